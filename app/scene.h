@@ -1,0 +1,18 @@
+// The camera, the projection and the two lights of the game scene.
+#pragma once
+
+class CameraClass {
+public:
+  float Eye[3] = {0, 0, 0};
+  float Target[3] = {0, 0, 0};
+  float Up[3] = {0, 1, 0};
+};
+
+void ApplyCamera(CameraClass &camera);
+void SetupLights();
+void DisableLights();
+
+// Where record `index` of `count` players stands in the network row (x; y and z are 0).
+float RowPositionX(int count, int index);
+// The camera of the network modes for `count` players.
+void NetworkCamera(int count, CameraClass &camera);

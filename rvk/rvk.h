@@ -1,0 +1,17 @@
+// The whole RVK GUI library in one include.
+#pragma once
+#include "rvk/core.h"
+#include "rvk/timer.h"
+#include "rvk/texture.h"
+#include "rvk/console.h"
+#include "rvk/draw.h"
+#include "rvk/keynames.h"
+#include "rvk/button.h"
+#include "rvk/toolbar.h"
+#include "rvk/pickerbar.h"
+#include "rvk/menu.h"
+#include "rvk/textfield.h"
+#include "rvk/messagebox.h"
+#include "rvk/slider.h"
+#include "rvk/listbox.h"
+#include "rvk/textviewer.h"
