@@ -1,0 +1,58 @@
+// The settings file: ten keys read at start and written back at exit, and the
+// command-line scan that picks the file.
+#include "app/config.h"
+#include <allegro.h>
+#include <cstring>
+#include <strings.h>
+
+ConfigClass Config;
+bool SoundOn = false;
+
+std::string ScanConfigOption(int argc, const char *const argv[], const char *defaultName) {
+  std::string name = defaultName ? defaultName : "";
+  for (int i = 1; i < argc; i++) {
+    const char *arg = argv[i];
+    if (!arg || arg[0] != '-' || strcasecmp(arg, "-config") != 0) continue;
+    // "-config" as the very last argument names no file: it is ignored like
+    // any other stray argument, and the file chosen so far stays.
+    if (i + 1 >= argc || !argv[i + 1]) break;
+    name = argv[i + 1];
+    // The scan goes on with the value itself, which a later option may follow.
+  }
+  return name;
+}
+
+void LoadConfig(ConfigClass &config) {
+  int desktopWidth = 800, desktopHeight = 600;
+  if (get_desktop_resolution(&desktopWidth, &desktopHeight) != 0) {
+    desktopWidth = 800;
+    desktopHeight = 600;
+  }
+  set_config_file(config.ConfigFileName.c_str());
+  config.ScreenWidth = get_config_int("video", "width", desktopWidth);
+  config.ScreenHeight = get_config_int("video", "height", desktopHeight);
+  config.ColourDepth = get_config_int("video", "bpp", 32);
+  config.Windowed = get_config_int("video", "window", 0) != 0;
+  config.SoundEnabled = get_config_int("sound", "enabled", 1) != 0;
+  config.SoundVolume = get_config_int("sound", "SoundVolume", 192);
+  config.PlayerName = get_config_string("network", "PlayerName", "Player");
+  config.LocalServerPort = get_config_string("network", "LocalServerPort", "8030");
+  config.RemoteServerAddress = get_config_string("network", "RemoteServerAddress", "192.168.0.2");
+  config.RemoteServerPort = get_config_string("network", "RemoteServerPort", "8030");
+}
+
+void SaveConfig(ConfigClass &config) {
+  // The catalogues were the current configuration since LoadGame: select ours again.
+  set_config_file(config.ConfigFileName.c_str());
+  set_config_int("video", "width", config.ScreenWidth);
+  set_config_int("video", "height", config.ScreenHeight);
+  set_config_int("video", "bpp", config.ColourDepth);
+  set_config_int("video", "window", config.Windowed ? 1 : 0);
+  set_config_int("sound", "enabled", config.SoundEnabled ? 1 : 0);
+  set_config_int("sound", "SoundVolume", config.SoundVolume);
+  set_config_string("network", "PlayerName", config.PlayerName.c_str());
+  set_config_string("network", "LocalServerPort", config.LocalServerPort.c_str());
+  set_config_string("network", "RemoteServerAddress", config.RemoteServerAddress.c_str());
+  set_config_string("network", "RemoteServerPort", config.RemoteServerPort.c_str());
+  flush_config_file();
+}
