@@ -80,3 +80,21 @@ extern GameClass Game;
 
 void GameLoop(GameClass &game);
 void ResetPlayer(PlayerClass &player);
+
+// ---- Pure steps of the game loop, reachable without a window ----------------
+
+// The view keys of one frame, in their order of precedence: Left beats Right,
+// Up beats Down, Z beats X. Each held key moves its angle by 2.
+class ViewKeysClass {
+public:
+  bool Left = false, Right = false, Up = false, Down = false, Z = false, X = false;
+};
+void ApplyViewKeys(float viewAngles[3], const ViewKeysClass &keys);
+
+// One frame of the single-player idle motion, drawing from `random` (rand in
+// the game) in the fixed order of its steps.
+void IdleMotionStep(GameClass &game, int (*random)());
+
+// After a reload the records' numbers may lie beyond the fresh catalogues and
+// their Character pointers into the old one: puts both right.
+void RepointAfterReload(GameClass &game);

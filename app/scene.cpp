@@ -1,0 +1,63 @@
+// The camera, the projection and the two lights of the game scene, and the
+// arithmetic of the multiplayer row.
+#include "app/scene.h"
+#include <allegro.h>
+#include <GL/gl.h>
+#include <GL/glu.h>
+
+float RowPositionX(int count, int index) {
+  // 170 units a step, centred on 0, record 0 at the highest x.
+  return (170.0f * (float)count - 170.0f) / 2.0f - 170.0f * (float)index;
+}
+
+void NetworkCamera(int count, CameraClass &camera) {
+  camera.Eye[0] = 0;
+  camera.Eye[1] = 50;
+  camera.Eye[2] = -150.0f - 100.0f * (float)count;
+  camera.Target[0] = 0;
+  camera.Target[1] = 50;
+  camera.Target[2] = 0;
+  camera.Up[0] = 0;
+  camera.Up[1] = 1;
+  camera.Up[2] = 0;
+}
+
+void ApplyCamera(CameraClass &camera) {
+  glMatrixMode(GL_PROJECTION);
+  glLoadIdentity();
+  int h = SCREEN_H > 0 ? SCREEN_H : 1;
+  gluPerspective(48.0, (double)SCREEN_W / (double)h, 1.0, 4000.0);
+  glMatrixMode(GL_MODELVIEW);
+  glLoadIdentity();
+  gluLookAt(camera.Eye[0], camera.Eye[1], camera.Eye[2], camera.Target[0], camera.Target[1], camera.Target[2],
+            camera.Up[0], camera.Up[1], camera.Up[2]);
+}
+
+// Placed under the camera's matrix alone, so turning the scene leaves the
+// lights where they are.
+void SetupLights() {
+  static const GLfloat position0[4] = {-1.0f, 0.5f, -1.0f, 0.0f};
+  static const GLfloat position1[4] = {1.0f, 0.5f, 1.0f, 0.0f};
+  static const GLfloat ambient[4] = {0.5f, 0.5f, 0.5f, 1.0f};
+  static const GLfloat diffuse[4] = {1.0f, 1.0f, 1.0f, 1.0f};
+  static const GLfloat specular[4] = {0.5f, 0.5f, 0.5f, 1.0f};
+  glPushMatrix();
+  glLightfv(GL_LIGHT0, GL_POSITION, position0);
+  glLightfv(GL_LIGHT0, GL_AMBIENT, ambient);
+  glLightfv(GL_LIGHT0, GL_DIFFUSE, diffuse);
+  glLightfv(GL_LIGHT0, GL_SPECULAR, specular);
+  glLightfv(GL_LIGHT1, GL_POSITION, position1);
+  glLightfv(GL_LIGHT1, GL_AMBIENT, ambient);
+  glLightfv(GL_LIGHT1, GL_DIFFUSE, diffuse);
+  glLightfv(GL_LIGHT1, GL_SPECULAR, specular);
+  glEnable(GL_LIGHTING);
+  glEnable(GL_LIGHT0);
+  glEnable(GL_LIGHT1);
+  glPopMatrix();
+}
+
+void DisableLights() {
+  glDisable(GL_LIGHT0);
+  glDisable(GL_LIGHT1);
+  glDisable(GL_LIGHTING);
+}
