@@ -36,7 +36,28 @@ public:
   void SetupMaterial(int index);
   // Number of display lists BuildLists made (0 when there are none).
   int ListCount() const;
+
+  // Number of names BuildLists reserved from ListBase, kept so that the
+  // lists are deleted in the number reserved.
+  GLsizei ListRange = 0;
 };
+
+// Frames compiled at most: each frame is two full copies of the mesh, so a
+// longer animation is taken as a damaged file and gets no lists.
+const int32_t MODEL_MAX_FRAMES = 65535;
+
+// The box of a model and the shift that centres it on the origin.
+struct ModelBox {
+  float BoundsMin[3] = {0, 0, 0};
+  float BoundsMax[3] = {0, 0, 0};
+  float Size[3] = {0, 0, 0};
+  float HalfSize[3] = {0, 0, 0};
+  float CentreOffset[3] = {0, 0, 0};
+};
+
+// Moves the model so its bounding box is centred on the origin: every vertex
+// and every root joint (the others move with their parents). No GL involved.
+ModelBox CentreModel(msModel &model);
 
 // Milliseconds of a wall clock that measures elapsed time.
 int32_t ModelClock();

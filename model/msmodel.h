@@ -2,7 +2,14 @@
 // its reader with texture loading, and its skeleton evaluation.
 #pragma once
 #include <cstdint>
+#include <string>
 #include <vector>
+
+// Xlib (pulled in by AllegroGL) defines CurrentTime as a macro, which would
+// take the place of the field of that name.
+#ifdef CurrentTime
+#undef CurrentTime
+#endif
 
 struct msVertex {
   uint8_t Flags = 0;
@@ -116,3 +123,11 @@ public:
   int32_t JointExtraSubVersion = -1;
   int32_t ModelExtraSubVersion = -1;
 };
+
+// Size of the work buffer in which a texture's path is put together.
+const int MS_MAX_PATH = 260;
+
+// The path of a texture named in a model file: the model's directory, one
+// "/", then the stored name unchanged. Empty when the result would not fit
+// the work buffer (terminator included).
+std::string msTexturePath(const char *modelPath, const char *texture);
