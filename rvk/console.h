@@ -2,6 +2,7 @@
 #pragma once
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -28,3 +29,9 @@ void RVK_SetLastMessageColour(int colour);
 void RVK_DrawConsole();
 // Sets the console's values as RVK_Init does (lines are kept).
 void RVK_InitConsole();
+
+// The parts of the console that need no window, given the clock's second:
+// appending a line (with the line limit), and one pass of ageing in which
+// `draw` sees each line with its row before a line too old is removed.
+void RVK_ConsoleAppend(const char *text, int second);
+void RVK_ConsolePass(int second, const std::function<void(const ConsoleLineClass &, int)> &draw);

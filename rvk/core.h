@@ -49,6 +49,8 @@ public:
 bool RVK_Init(int width, int height, int depth, bool windowed, int framesPerSecond);
 void RVK_Shutdown();
 bool RVK_IsStarted();
+// True once RVK_LogError has written an entry since RVK_Init.
+bool RVK_HasLoggedError();
 
 void RVK_Begin2D();
 void RVK_BeginFrame();

@@ -34,6 +34,8 @@ public:
 
 // Milliseconds of a monotonic clock that measures elapsed time.
 int32_t RVK_Clock();
+// Microseconds of the same clock, for the frame trace.
+int64_t RVK_ClockMicroseconds();
 void RVK_GetTimeStamp(TimeStampClass &stamp);
 bool RVK_TimeElapsed(TimeStampClass &stamp, int hundredths);
 // The pure part of RVK_TimeElapsed: compares against a given present moment.

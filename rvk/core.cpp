@@ -1,0 +1,396 @@
+// The RVK library core: start-up and shutdown, the frame calls, the pointer
+// arrow, tooltips, the palette, fonts, sound volume, the error log and the
+// library's own datafile.
+#include "rvk/core.h"
+#include <alleggl.h>
+#include <GL/gl.h>
+#include <GL/glu.h>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include "rvk/console.h"
+#include "rvk/draw.h"
+#include "rvk/textfield.h"
+#include "rvk/texture.h"
+#include "rvk/timer.h"
+
+FONT *RVK_FontStandard = nullptr;
+FONT *RVK_FontMedium = nullptr;
+FONT *RVK_FontSmall = nullptr;
+PaletteClass RVK_Palette;
+
+static const char *const ErrorLogName = "RVK Error Log.txt";
+static const char *const DatafileName = "RVK.dat";
+
+static bool Started = false;
+static bool ErrorLogged = false;
+static bool In2D = false;
+static bool ClipOn = false;
+static int PointerVert = 0;
+static int PointerHoriz = 0;
+static int PointerMove = 0;
+static TimerClass FrameTimer;
+static std::vector<TooltipRecord> Tooltips;
+static unsigned char SampleVolume = 128;
+// The library has no call that turns its own sound on: the game plays its
+// cues itself, so RVK_PlaySample stays silent.
+static bool SoundOn = false;
+
+// The frame trace: a file named by TUMBLEKIN_FRAME_TRACE, one line per frame.
+static FILE *FrameTrace = nullptr;
+static int64_t FrameReleased = 0;
+
+// ---- Palette ----
+
+void RVK_SetupPalette() {
+  PaletteClass &p = RVK_Palette;
+  p.NoFill = makecol(255, 0, 255);
+  p.Black = makecol(0, 0, 0);
+  p.White = makecol(255, 255, 255);
+  p.MenuBlue = makecol(0, 0, 240);
+  p.PlaceholderRed = makecol(230, 0, 0);
+  p.Yellow = makecol(255, 255, 0);
+  p.ViewerBackdrop = makecol(129, 162, 255);
+  p.PanelFace = makecol(147, 147, 147);
+  p.ButtonHover = makecol(55, 55, 255);
+  p.BevelLight = makecol(211, 211, 211);
+  p.BevelDark = makecol(107, 107, 107);
+  p.TitleFace = makecol(3, 3, 255);
+  p.TitleLight = makecol(179, 179, 179);
+  p.TitleDark = makecol(79, 79, 79);
+  p.StatusText = makecol(35, 35, 35);
+  p.FieldLowerRight = makecol(212, 208, 200);
+  p.ReadOnlyText = makecol(128, 128, 128);
+  p.TroughUpperLeft = makecol(131, 131, 131);
+  p.KnobLowerRight = makecol(83, 83, 255);
+  p.KnobFill = makecol(3, 3, 131);
+  p.ListFill = makecol(219, 219, 219);
+  p.ListUpperLeft = makecol(111, 111, 111);
+  gui_bg_color = p.PanelFace;
+  gui_fg_color = p.StatusText;
+}
+
+// ---- Datafile ----
+
+// Reads one named object of the library's datafile and hands over its data.
+// With `type` other than DAT_END an object of another type counts as absent
+// and is released here. The DATAFILE record itself is always released here.
+static void *ReadDatafileObject(const char *name, int type) {
+  if (name == nullptr) return nullptr;
+  DATAFILE *object = load_datafile_object(DatafileName, name);
+  if (object == nullptr) return nullptr;
+  if (type != DAT_END && object->type != type) {
+    unload_datafile_object(object);
+    return nullptr;
+  }
+  void *data = object->dat;
+  // Unloading the record without its data: the caller owns the data now.
+  object->dat = nullptr;
+  unload_datafile_object(object);
+  return data;
+}
+
+void *RVK_GetDatafileObject(const char *name) {
+  return ReadDatafileObject(name, DAT_END);
+}
+
+// ---- Start and end ----
+
+static void LoadIcons() {
+  BITMAP *blank = create_bitmap(32, 32);
+  if (blank != nullptr) {
+    clear_to_color(blank, makecol(255, 255, 255));
+    RVK_AddIcon(blank, "(no texture)");
+    destroy_bitmap(blank);
+  }
+  DATAFILE *data = load_datafile(DatafileName);
+  if (data != nullptr) {
+    for (int i = 0; data[i].type != DAT_END; i++) {
+      if (data[i].type == DAT_BITMAP)
+        RVK_AddIcon((BITMAP *)data[i].dat, get_datafile_property(&data[i], DAT_NAME));
+    }
+    unload_datafile(data);
+  }
+  PointerVert = RVK_FindIcon("vert");
+  PointerHoriz = RVK_FindIcon("horiz");
+  PointerMove = RVK_FindIcon("move");
+}
+
+static void OpenFrameTrace() {
+  if (FrameTrace != nullptr) return;
+  const char *name = std::getenv("TUMBLEKIN_FRAME_TRACE");
+  if (name != nullptr && name[0] != 0) FrameTrace = std::fopen(name, "a");
+  FrameReleased = RVK_ClockMicroseconds();
+}
+
+bool RVK_Init(int width, int height, int depth, bool windowed, int framesPerSecond) {
+  if (Started) RVK_Shutdown();
+
+  allegro_gl_clear_settings();
+  allegro_gl_set(AGL_COLOR_DEPTH, depth);
+  allegro_gl_set(AGL_DOUBLEBUFFER, 1);
+  allegro_gl_set(AGL_Z_DEPTH, 24);
+  allegro_gl_set(AGL_WINDOWED, windowed ? -1 : 0);
+  allegro_gl_set(AGL_RENDERMETHOD, 1);
+  allegro_gl_set(AGL_SUGGEST, AGL_COLOR_DEPTH | AGL_DOUBLEBUFFER | AGL_Z_DEPTH | AGL_RENDERMETHOD |
+                                  (windowed ? AGL_WINDOWED : AGL_FULLSCREEN));
+  // Allegro's own colour depth decides what makecol answers and what depth
+  // bitmaps are made and loaded at; it follows the display's.
+  set_color_depth(depth);
+  if (set_gfx_mode(GFX_OPENGL, width, height, 0, 0) != 0) {
+    allegro_message("RVK_Init: set_gfx_mode failed - %s", allegro_error);
+    return false;
+  }
+  In2D = false;
+  ClipOn = false;
+
+  glShadeModel(GL_FLAT);
+  glPolygonMode(GL_FRONT, GL_FILL);
+  glEnable(GL_CULL_FACE);
+  glFrontFace(GL_CCW);
+
+  // Something other than a font under that name is as good as none.
+  FONT *font = (FONT *)ReadDatafileObject("_font_standard", DAT_FONT);
+  if (font == nullptr) {
+    allegro_message("Unable to read standard font from datafile");
+    set_gfx_mode(GFX_TEXT, 80, 25, 0, 0);
+    return false;
+  }
+  RVK_FontStandard = allegro_gl_convert_allegro_font_ex(font, AGL_FONT_TYPE_TEXTURED, -1.0f, GL_ALPHA8);
+  RVK_FontMedium = allegro_gl_convert_allegro_font_ex(font, AGL_FONT_TYPE_TEXTURED, -0.8f, GL_ALPHA8);
+  RVK_FontSmall = allegro_gl_convert_allegro_font_ex(font, AGL_FONT_TYPE_TEXTURED, -0.4f, GL_ALPHA8);
+  destroy_font(font);
+
+  RVK_SetupPalette();
+  RVK_SetFrameRate(framesPerSecond);
+  RVK_ResetFocus();
+  LoadIcons();
+
+  glViewport(0, 0, width, height);
+  glMatrixMode(GL_PROJECTION);
+  glLoadIdentity();
+  gluPerspective(48.0, (double)SCREEN_W / (double)SCREEN_H, 1.0, 8192.0);
+  glMatrixMode(GL_MODELVIEW);
+  glLoadIdentity();
+
+  Started = true;
+  ErrorLogged = false;
+  RVK_InitConsole();
+  OpenFrameTrace();
+  return true;
+}
+
+void RVK_Shutdown() {
+  if (!Started) return;
+  // The textures go with the GL context when the mode changes.
+  RVK_ClearIcons();
+  PointerVert = PointerHoriz = PointerMove = 0;
+  if (ErrorLogged)
+    allegro_message("RVK generated 1 or more error messages, view \"%s\" for details", ErrorLogName);
+  FONT **fonts[3] = {&RVK_FontStandard, &RVK_FontMedium, &RVK_FontSmall};
+  for (FONT **slot : fonts) {
+    if (*slot != nullptr) allegro_gl_destroy_font(*slot);
+    *slot = nullptr;
+  }
+  set_gfx_mode(GFX_TEXT, 80, 25, 0, 0);
+  if (FrameTrace != nullptr) {
+    std::fclose(FrameTrace);
+    FrameTrace = nullptr;
+  }
+  Started = false;
+}
+
+bool RVK_IsStarted() {
+  return Started;
+}
+
+bool RVK_HasLoggedError() {
+  return ErrorLogged;
+}
+
+// ---- Frame ----
+
+void RVK_Begin2D() {
+  if (In2D) return;
+  glMatrixMode(GL_PROJECTION);
+  glLoadIdentity();
+  // y runs downwards and integer coordinates fall on pixel centres.
+  glOrtho(-0.375, SCREEN_W - 0.375, SCREEN_H - 0.375, -0.375, -1.0, 1.0);
+  glMatrixMode(GL_MODELVIEW);
+  glPushMatrix();
+  glLoadIdentity();
+  glDisable(GL_DEPTH_TEST);
+  In2D = true;
+}
+
+void RVK_BeginFrame() {
+  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+  RVK_Begin2D();
+}
+
+void RVK_SetClearColour(int colour) {
+  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+  glClearColor(getr(colour) / 255.0f, getg(colour) / 255.0f, getb(colour) / 255.0f, 1.0f);
+}
+
+void RVK_PlaceTooltip(int &x, int &y, int textWidth, int textHeight, int sw, int sh) {
+  int tw = textWidth + 4;
+  int th = textHeight + 4;
+  if (x + tw >= sw) x = sw - tw;
+  if (y + th >= sh) y = sh - th;
+  if (x < 0) x = 0;
+  if (y < 0) y = 0;
+}
+
+static void DrawTooltip(const TooltipRecord &tip) {
+  if (RVK_FontStandard == nullptr) return;
+  int tw = text_length(RVK_FontStandard, tip.Text.c_str()) + 4;
+  int th = text_height(RVK_FontStandard) + 4;
+  int x = tip.X, y = tip.Y;
+  RVK_PlaceTooltip(x, y, tw - 4, th - 4, SCREEN_W, SCREEN_H);
+  RVK_DrawRect(x + 8, y + 8, x + tw + 8, y + th + 8, RVK_Palette.Black, true, 128);
+  RVK_DrawRect(x, y, x + tw, y + th, RVK_Palette.White, true, 128);
+  RVK_DrawText(RVK_FontStandard, x + 2, y + 2, RVK_Palette.Black, tip.Text.c_str());
+}
+
+// One arrow of the pointer: a head and a stem, blended.
+static void DrawArrow(int x, int y, int colour, int alpha) {
+  glEnable(GL_BLEND);
+  glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+  glColor4ub(getr(colour), getg(colour), getb(colour), alpha);
+  glBegin(GL_POLYGON);
+  glVertex2i(x, y + 10);
+  glVertex2i(x + 8, y + 10);
+  glVertex2i(x, y);
+  glEnd();
+  glBegin(GL_POLYGON);
+  glVertex2i(x + 5, y + 18);
+  glVertex2i(x + 8, y + 18);
+  glVertex2i(x + 5, y + 10);
+  glVertex2i(x + 2, y + 10);
+  glEnd();
+  glDisable(GL_BLEND);
+  glColor3f(1, 1, 1);
+}
+
+static void DrawPointer(int style) {
+  int mx = mouse_x, my = mouse_y;
+  if (style == 1) {
+    bool held = (mouse_b & 3) != 0;
+    int offset = held ? 3 : 6;
+    DrawArrow(mx + offset, my + offset, RVK_Palette.Black, 128);
+    DrawArrow(mx, my, held ? RVK_Palette.Yellow : RVK_Palette.White, 255);
+    return;
+  }
+  int index;
+  switch (style) {
+    case 2: index = PointerVert; break;
+    case 3: index = PointerHoriz; break;
+    case 4: index = PointerMove; break;
+    default: return;
+  }
+  TextureClass icon = RVK_GetIconByIndex(index);
+  RVK_DrawTexture(icon, mx - icon.CentreX, my - icon.CentreY, 0, true, 255);
+}
+
+void RVK_End2D(int pointerStyle) {
+  if (!In2D) return;
+  for (const TooltipRecord &tip : Tooltips) DrawTooltip(tip);
+  Tooltips.clear();
+  DrawPointer(pointerStyle);
+  if (ClipOn) RVK_ClearClipRect();
+  glPopMatrix();
+  glEnable(GL_DEPTH_TEST);
+  In2D = false;
+}
+
+void RVK_EndFrame() {
+  RVK_End2D(1);
+  allegro_gl_flip();
+}
+
+void RVK_WaitFrame() {
+  if (FrameTrace == nullptr) {
+    while (!FrameTimer.Tick()) {
+    }
+    return;
+  }
+  int64_t entered = RVK_ClockMicroseconds();
+  while (!FrameTimer.Tick()) {
+  }
+  int64_t released = RVK_ClockMicroseconds();
+  std::fprintf(FrameTrace, "%lld %lld\n", (long long)released, (long long)(entered - FrameReleased));
+  // Flushed at once so that a reader sees the frames while the program runs.
+  std::fflush(FrameTrace);
+  FrameReleased = released;
+}
+
+void RVK_SetFrameRate(int ticksPerSecond) {
+  RVK_FrameRate = ticksPerSecond;
+  FrameTimer.Reset();
+}
+
+void RVK_SetClipRect(int x, int y, int w, int h) {
+  RVK_ClearClipRect();
+  glScissor(x, SCREEN_H - y - h - 1, w, h);
+  glEnable(GL_SCISSOR_TEST);
+  ClipOn = true;
+}
+
+void RVK_ClearClipRect() {
+  if (!ClipOn) return;
+  glDisable(GL_SCISSOR_TEST);
+  ClipOn = false;
+}
+
+bool RVK_MouseIn(int x1, int y1, int x2, int y2) {
+  int mx = mouse_x, my = mouse_y;
+  return x1 <= mx && mx <= x2 && y1 <= my && my <= y2;
+}
+
+void RVK_ShowTooltip(int x, int y, const char *format, ...) {
+  char text[512];
+  va_list args;
+  va_start(args, format);
+  std::vsnprintf(text, sizeof(text), format, args);
+  va_end(args);
+  TooltipRecord tip;
+  tip.Text = text;
+  tip.X = x;
+  tip.Y = y;
+  Tooltips.push_back(tip);
+}
+
+// ---- Sound ----
+
+void RVK_SetSampleVolume(int volume) {
+  SampleVolume = (unsigned char)(volume & 0xFF);
+}
+
+void RVK_PlaySample(SAMPLE *sample) {
+  if (SoundOn && sample != nullptr) play_sample(sample, SampleVolume, 127, 1000, 0);
+}
+
+// ---- Error log ----
+
+void RVK_LogError(const char *format, ...) {
+  char text[256];
+  va_list args;
+  va_start(args, format);
+  std::vsnprintf(text, sizeof(text), format, args);
+  va_end(args);
+  FILE *log = std::fopen(ErrorLogName, "a");
+  if (log == nullptr) {
+    allegro_message("RVK_LogError: RVK was unable to write the following error to the log file "
+                    "(the log file could not be opened):\n%s",
+                    text);
+    return;
+  }
+  // Opened and closed for every entry, so an entry survives whatever follows.
+  std::time_t now = std::time(nullptr);
+  const char *date = std::ctime(&now);
+  std::fprintf(log, "%s>%s\n\n", date != nullptr ? date : "\n", text);
+  std::fclose(log);
+  ErrorLogged = true;
+}
