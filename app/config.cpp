@@ -8,6 +8,8 @@
 ConfigClass Config;
 bool SoundOn = false;
 
+int GuiSampleVolume(int soundVolume) { return soundVolume & 0xFF; }
+
 std::string ScanConfigOption(int argc, const char *const argv[], const char *defaultName) {
   std::string name = defaultName ? defaultName : "";
   for (int i = 1; i < argc; i++) {

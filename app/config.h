@@ -25,4 +25,7 @@ extern bool SoundOn;
 void LoadConfig(ConfigClass &config);
 void SaveConfig(ConfigClass &config);
 // The settings file named by the arguments: the last "-config NAME" wins.
+// The GUI's sample volume takes the low 8 bits of the setting; the game's own
+// cues get the whole value.
+int GuiSampleVolume(int soundVolume);
 std::string ScanConfigOption(int argc, const char *const argv[], const char *defaultName);

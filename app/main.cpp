@@ -38,7 +38,7 @@ int main(int argc, char **argv) {
   SoundOn = false;
   if (Config.SoundEnabled) {
     if (install_sound(DIGI_AUTODETECT, MIDI_AUTODETECT, "") == 0) {
-      RVK_SetSampleVolume(Config.SoundVolume & 0xFF);
+      RVK_SetSampleVolume(GuiSampleVolume(Config.SoundVolume));
       SoundOn = true;
     } else {
       allegro_message("%s", allegro_error);

@@ -1,0 +1,163 @@
+"""The game screen of the real program: dressing up with the toolbar and the
+picker bars, the view keys, reloading, leaving; memory over many reloads."""
+import time
+import unittest
+
+import tk
+
+SKY = (161, 214, 255)
+# Toolbar buttons stand 36 apart from x = 2, one text line and 8 pixels down.
+TOOLBAR_Y = 36
+
+
+def button_x(index):
+    return 2 + 36 * index + 16
+
+
+# Rows of a picker bar: the first row starts below its Up button; body rows
+# are 128 high, part rows 96, each followed by a gap of 2.
+BODY_ROW_Y = [160, 290]
+PART_ROW_Y = [140, 240]
+ROW_X = 65
+
+
+def centre(shot):
+    """The middle of the window, where the character stands."""
+    return shot.crop(250, 120, 300, 360)
+
+
+def non_sky(image):
+    return image.width * image.height - image.count(SKY, tolerance=2)
+
+
+class GameScreenTest(unittest.TestCase):
+    def setUp(self):
+        self.display = tk.VirtualDisplay()
+        self.game = tk.Game(self.display, settings=tk.DEFAULT_SETTINGS)
+
+    def tearDown(self):
+        self.game.stop()
+        self.display.stop()
+
+    def new_game(self):
+        game = self.game.start()
+        time.sleep(1.0)
+        game.key("Return")  # "New Game"
+        time.sleep(1.0)
+        game.move(700, 500)  # out of the way of toolbar and bar
+        return game
+
+    def noise(self, game):
+        """How much the middle changes by itself (idle motion, animation,
+        eyes) over the time a step takes."""
+        a = centre(game.screenshot())
+        time.sleep(0.5)
+        b = centre(game.screenshot())
+        return a.differs(b)
+
+    def test_dress_up_turn_reload_and_leave(self):
+        game = self.new_game()
+        start = game.screenshot("game-01-start")
+        self.assertGreater(non_sky(centre(start)), 2000, "no character in the middle")
+        # The picker bar on the left shows the bodies.
+        bar_before = start.crop(2, 100, 126, 300)
+        self.assertGreater(non_sky(bar_before), 10000)
+
+        # "Eyes" on the toolbar switches the bar.
+        game.click(button_x(1), TOOLBAR_Y)
+        game.move(700, 500)
+        eyes_bar = game.screenshot("game-02-eyes-bar")
+        self.assertGreater(eyes_bar.crop(2, 100, 126, 300).differs(bar_before), 2000)
+
+        # Row 0 takes the eyes away: the character changes more than it does by itself.
+        noise = self.noise(game)
+        before = centre(game.screenshot())
+        game.click(ROW_X, PART_ROW_Y[0])
+        game.move(700, 500)
+        after = game.screenshot("game-03-no-eyes")
+        self.assertGreater(centre(after).differs(before), noise + 200)
+
+        # Row 1 gives the first eyes back.
+        game.click(ROW_X, PART_ROW_Y[1])
+        game.move(700, 500)
+        game.screenshot("game-04-eyes-back")
+
+        # Another body from the body bar.
+        game.click(button_x(0), TOOLBAR_Y)
+        noise = self.noise(game)
+        before = centre(game.screenshot())
+        game.click(ROW_X, BODY_ROW_Y[1])
+        game.move(700, 500)
+        time.sleep(0.3)
+        other = game.screenshot("game-05-second-body")
+        self.assertGreater(centre(other).differs(before), noise + 200)
+        game.click(ROW_X, BODY_ROW_Y[0])
+        game.move(700, 500)
+
+        # Left turns the view; R brings it back.
+        time.sleep(0.3)
+        reset_view = centre(game.screenshot())
+        noise = self.noise(game)
+        game.key("Left", hold=1.0)
+        turned = game.screenshot("game-06-turned")
+        self.assertGreater(centre(turned).differs(reset_view), noise + 1000)
+        game.key("r")
+        time.sleep(0.2)
+        back = game.screenshot("game-07-reset")
+        self.assertLess(centre(back).differs(reset_view), centre(turned).differs(reset_view))
+
+        # A starts the spin, which goes on by itself; A again stops it.
+        game.key("a")
+        a = centre(game.screenshot("game-08-spinning"))
+        time.sleep(0.5)
+        b = centre(game.screenshot())
+        self.assertGreater(a.differs(b), noise + 1000)
+        game.key("a")
+        game.key("r")
+        time.sleep(0.3)
+        a = centre(game.screenshot())
+        time.sleep(0.5)
+        b = centre(game.screenshot())
+        self.assertLess(a.differs(b), noise + 1000)
+
+        # F5 reloads the data: the console reports the catalogues again.
+        console_before = game.screenshot().crop(0, 330, 400, 270)
+        game.key("F5")
+        time.sleep(2.0)
+        reloaded = game.screenshot("game-09-reloaded")
+        self.assertTrue(game.running())
+        self.assertGreater(non_sky(centre(reloaded)), 2000)
+        self.assertGreater(reloaded.crop(0, 330, 400, 270).differs(console_before), 100)
+
+        # Esc leaves to the menu: no sky any more.
+        game.key("Escape")
+        time.sleep(0.8)
+        menu = game.screenshot("game-10-back-in-menu")
+        self.assertEqual(menu.count(SKY), 0)
+        self.assertTrue(game.running())
+
+    def test_memory_stays_flat_over_twenty_reloads(self):
+        game = self.new_game()
+        game.key("F5")
+        time.sleep(2.0)
+        first = rss_kb(game.proc.pid)
+        for _ in range(20):
+            game.key("F5")
+            time.sleep(1.0)
+        time.sleep(1.0)
+        last = rss_kb(game.proc.pid)
+        print("RSS after the first reload %d kB, after 20 more %d kB" % (first, last))
+        self.assertTrue(game.running())
+        self.assertLessEqual(last, first * 1.02)
+
+
+def rss_kb(pid):
+    with open("/proc/%d/status" % pid) as f:
+        for line in f:
+            if line.startswith("VmRSS:"):
+                return int(line.split()[1])
+    raise RuntimeError("no VmRSS")
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
