@@ -18,6 +18,7 @@ static const char *const DATAFILE_NAME = "Tumblekin.dat";
 
 int main(int argc, char **argv) {
   srand((unsigned)time(nullptr));
+  // Without Allegro nothing can be shown, not even a message.
   if (allegro_init() != 0) return 1;
   install_timer();
   install_keyboard();
@@ -45,6 +46,9 @@ int main(int argc, char **argv) {
     }
   }
 
+  // Named before the window opens, so it never shows the executable's name,
+  // and again after, for drivers that only name a window that exists.
+  set_window_title("Tumblekin");
   if (!RVK_Init(Config.ScreenWidth, Config.ScreenHeight, Config.ColourDepth, Config.Windowed, 45)) return 0;
   set_window_title("Tumblekin");
 
