@@ -1,0 +1,237 @@
+// The server's event pump: a client joins and gets the join sequence, its
+// packets are applied and relayed to the others, a client leaves.
+#include "net/server.h"
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include "app/game.h"
+#include "app/parts.h"
+#include "net/netstate.h"
+#include "net/send.h"
+#include "rvk/console.h"
+
+// The field at `index`, or the empty text for a list that is shorter; the
+// parser always gives a row's full count, this keeps direct callers safe.
+static const char *FieldAt(const PacketFieldList &fields, size_t index) {
+  return index < fields.size() ? fields[index].c_str() : "";
+}
+
+static int White() { return makecol(255, 255, 255); }
+
+// The peer's IPv4 host as ENet stores it (network byte order) and its port.
+static std::string PeerAddressText(const ENetPeer *peer) {
+  char text[32];
+  std::snprintf(text, sizeof(text), "%x:%u", (unsigned)peer->address.host, (unsigned)peer->address.port);
+  return text;
+}
+
+// ---- Peer tags ----------------------------------------------------------------
+
+void NET_TagPeer(int number, ENetPeer *peer) {
+  if (!peer || number < 0 || number >= Game.GetPlayerCount()) return;
+  char id[16];
+  std::snprintf(id, sizeof(id), "%d", Game.Players[number].PlayerId);
+  char *tag = (char *)std::malloc(std::strlen(id) + 1);
+  if (!tag) return;
+  std::strcpy(tag, id);
+  std::free(peer->data);
+  peer->data = tag;
+}
+
+void NET_FreePeerTags() {
+  for (int i = 1; i < MAX_PLAYERS; i++) {
+    if (!ClientPeers[i]) continue;
+    std::free(ClientPeers[i]->data);
+    ClientPeers[i]->data = nullptr;
+  }
+}
+
+// ---- Leaving and console lines --------------------------------------------
+
+void NET_RemovePlayer(int number) {
+  GameClass &game = Game;
+  if (number < 0 || number >= game.GetPlayerCount()) return;
+  RVK_Message("%s has left the game", game.Players[number].PlayerName.c_str());
+  RVK_SetLastMessageColour(White());
+  int32_t id = game.Players[number].PlayerId;
+  int countBefore = game.GetPlayerCount();
+  game.DeletePlayer(number);
+  if (game.Mode != GAME_MODE_SERVER) return;
+  // The local record is never deleted; it has no peer to let go of either.
+  if (game.GetPlayerCount() == countBefore || number < 1 || number >= MAX_PLAYERS) return;
+  ENetPeer *peer = ClientPeers[number];
+  if (peer) {
+    enet_peer_reset(peer);
+    std::free(peer->data);
+    peer->data = nullptr;
+  }
+  for (int i = number; i < MAX_PLAYERS - 1; i++) ClientPeers[i] = ClientPeers[i + 1];
+  ClientPeers[MAX_PLAYERS - 1] = nullptr;
+  NP_SendPacket(NP_TO_ALL, 20, "%d", id);
+}
+
+void NET_HandleCommonPacket(int32_t type, PacketFieldList fields) {
+  if (type != 52) return;
+  GameClass &game = Game;
+  int32_t id = std::atoi(FieldAt(fields, 0));
+  int number = game.GetPlayerNumber(id);
+  const char *text = FieldAt(fields, 2);
+  if (number != -1)
+    RVK_Message("%s: %s", game.Players[number].PlayerName.c_str(), text);
+  else
+    RVK_Message("%s", text);
+  int colour = std::atoi(FieldAt(fields, 1));
+  if (colour != -1) RVK_SetLastMessageColour(colour);
+  if (game.Mode == GAME_MODE_SERVER)
+    NP_SendPacket(NP_TO_ALL, 52, "%d,%d,%s", id, colour, NP_EscapeText(text).c_str());
+}
+
+// ---- Join -------------------------------------------------------------------
+
+// The join sequence: the newcomer's number and the version, the new count to
+// everybody, then every record's ID and each earlier player as it stands.
+static void SendJoinSequence(int number, int count, int32_t id) {
+  GameClass &game = Game;
+  NP_SendPacket(id, 40, "%d,%d", number, count);
+  NP_SendPacket(id, 53, "%s", NP_EscapeText(TUMBLEKIN_VERSION).c_str());
+  NP_SendPacket(NP_TO_ALL, 18, "%d,%d", count, id);
+  for (int i = 0; i < count; i++) NP_SendPacket(id, 19, "%d,%d", i, game.Players[i].PlayerId);
+  for (int i = 0; i < count - 1; i++) {
+    // The set-part operations of a newcomer may move nothing in the roster,
+    // but a copy keeps this loop independent of them anyway.
+    PlayerClass p = game.Players[i];
+    int32_t pid = p.PlayerId;
+    NP_SendPacket(id, 21, "%d,%s", pid, NP_EscapeText(p.PlayerName.c_str()).c_str());
+    NP_SendPacket(id, 22, "%d,%d", pid, p.CharacterNumber);
+    NP_SendPacket(id, 23, "%d,%d", pid, p.EyesNumber);
+    NP_SendPacket(id, 24, "%d,%d", pid, p.EarsNumber);
+    NP_SendPacket(id, 25, "%d,%d", pid, p.NoseNumber);
+    NP_SendPacket(id, 26, "%d,%d", pid, p.MouthNumber);
+    NP_SendPacket(id, 27, "%d,%d", pid, p.EyebrowsNumber);
+    NP_SendPacket(id, 28, "%d,%d", pid, p.MoustacheNumber);
+    NP_SendPacket(id, 29, "%d,%d", pid, p.FeetNumber);
+    NP_SendPacket(id, 30, "%d,%d", pid, p.HatNumber);
+    // Motion after the body: a receiver's SetCharacter clears the motion fields.
+    NP_SendPacket(id, 31, "%d,%f", pid, (double)p.EyesOriTarget[0]);
+    NP_SendPacket(id, 32, "%d,%f", pid, (double)p.EyesOriTarget[1]);
+    NP_SendPacket(id, 33, "%d,%f", pid, (double)p.EyebrowsY);
+  }
+}
+
+// A refused peer stays connected without a tag: its client keeps waiting for
+// a number until the user gives up, as on any full server. It isn't reset
+// here, since a reset would end that wait with a lost connection instead.
+static void ServerJoin(ENetPeer *peer) {
+  GameClass &game = Game;
+  int count = game.GetPlayerCount();
+  if (count >= MAX_PLAYERS) {
+    RVK_Message("Refused connection attempt from %s, server is full", PeerAddressText(peer).c_str());
+    return;
+  }
+  RVK_Message("Accepted new client connection");
+  game.SetPlayerCount(count + 1, true);
+  count = game.GetPlayerCount();
+  int number = count - 1;
+  ResetPlayer(game.Players[number]);
+  int32_t id = game.NextPlayerId++;
+  game.Players[number].PlayerId = id;
+  ClientPeers[number] = peer;
+  NET_TagPeer(number, peer);
+  SendJoinSequence(number, count, id);
+  RVK_Message("A new client connected from %x:%u", (unsigned)peer->address.host, (unsigned)peer->address.port);
+}
+
+// ---- Receive ------------------------------------------------------------------
+
+typedef void (*SetPartFunction)(PlayerClass &, int32_t, bool);
+
+// The set-part operation that a Report of types 2 to 10 names.
+static SetPartFunction SetPartOfReport(int32_t type) {
+  switch (type) {
+    case 2: return SetCharacter;
+    case 3: return SetEyes;
+    case 4: return SetEars;
+    case 5: return SetNose;
+    case 6: return SetMouth;
+    case 7: return SetEyebrows;
+    case 8: return SetMoustache;
+    case 9: return SetFeet;
+    case 10: return SetHat;
+    default: return nullptr;
+  }
+}
+
+static void ReportPlayerName(int number, int32_t id, const char *name) {
+  GameClass &game = Game;
+  game.Players[number].PlayerName = name;
+  std::string line = std::string(name) + " has joined the game";
+  RVK_Message("%s", line.c_str());
+  RVK_SetLastMessageColour(White());
+  NP_SendPacket(NP_TO_ALL, 52, "%d,%d,%s", -1, White(), NP_EscapeText(line.c_str()).c_str());
+  NP_SendPacket(NP_TO_ALL, 21, "%d,%s", id, NP_EscapeText(name).c_str());
+}
+
+void NET_ServerDispatch(int number, int32_t id, int32_t type, const PacketFieldList &fields) {
+  GameClass &game = Game;
+  if (number < 0 || number >= game.GetPlayerCount()) return;
+  if (type == 0) {
+    NET_RemovePlayer(number);
+  } else if (type == 1) {
+    ReportPlayerName(number, id, FieldAt(fields, 0));
+  } else if (SetPartFunction setPart = SetPartOfReport(type)) {
+    int32_t value = std::atoi(FieldAt(fields, 0));
+    PacketSkipPlayerId = id;
+    NP_SendPacket(NP_TO_ALL, (uint8_t)(type + 20), "%d,%d", id, value);
+    setPart(game.Players[number], value, false);
+  } else if (type == 50) {
+    NP_SendPacket(id, 51, "");
+  } else {
+    NET_HandleCommonPacket(type, fields);
+  }
+}
+
+static void ServerReceive(ENetPeer *peer, ENetPacket *packet) {
+  PacketFieldList fields;
+  int32_t type = NP_ParsePacket(fields, packet->data, packet->dataLength);
+  enet_packet_destroy(packet);
+  if (!peer->data) {
+    RVK_Message("Ignored packet from %s, which is not in the game", PeerAddressText(peer).c_str());
+    return;
+  }
+  int32_t id = std::atoi((const char *)peer->data);
+  int number = Game.GetPlayerNumber(id);
+  if (number == -1) {
+    RVK_Message("Server received invalid player id %d for \"receive\" packet", id);
+    return;
+  }
+  NET_ServerDispatch(number, id, type, fields);
+}
+
+static void ServerDisconnect(ENetPeer *peer) {
+  if (!peer->data) {
+    RVK_Message("Connection closed from %s, which was not in the game", PeerAddressText(peer).c_str());
+    return;
+  }
+  int32_t id = std::atoi((const char *)peer->data);
+  int number = Game.GetPlayerNumber(id);
+  if (number == -1) {
+    RVK_Message("Server received invalid player id %d for \"receive\" packet", id);
+    return;
+  }
+  RVK_Message("Connection lost to player %d %s", number, Game.Players[number].PlayerName.c_str());
+  NET_RemovePlayer(number);
+}
+
+void NET_ServerPoll() {
+  if (!NetHost) return;
+  ENetEvent event;
+  while (enet_host_service(NetHost, &event, 5) > 0) {
+    switch (event.type) {
+      case ENET_EVENT_TYPE_CONNECT: ServerJoin(event.peer); break;
+      case ENET_EVENT_TYPE_RECEIVE: ServerReceive(event.peer, event.packet); break;
+      case ENET_EVENT_TYPE_DISCONNECT: ServerDisconnect(event.peer); break;
+      default: RVK_Message("Unknown enet event type %d", (int)event.type); break;
+    }
+  }
+}
