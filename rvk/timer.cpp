@@ -58,9 +58,9 @@ bool RVK_TimerStep(TimerClass &timer, int32_t now, int rate) {
     // The counts are floats: left to grow, after some hours a millisecond's
     // worth of ticks would fall below their precision and the timer would
     // stop. Taking the same whole number off both keeps their difference.
-    if (timer.TicksSpent >= 1024.0f) {
-      timer.TicksEarned -= 1024.0f;
-      timer.TicksSpent -= 1024.0f;
+    if (timer.TicksSpent >= 64.0f) {
+      timer.TicksEarned -= 64.0f;
+      timer.TicksSpent -= 64.0f;
     }
     return true;
   }
