@@ -1,0 +1,90 @@
+// The console's line limit, ageing by the clock's second, and recolouring,
+// without a window; and the error log's entries, read back from the file.
+#include <gtest/gtest.h>
+#include <cstdio>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+#include "rvk/console.h"
+#include "rvk/core.h"
+
+struct Drawn {
+  std::string Text;
+  int Row;
+};
+
+static std::vector<Drawn> Pass(int second) {
+  std::vector<Drawn> drawn;
+  RVK_ConsolePass(second, [&](const ConsoleLineClass &line, int row) { drawn.push_back({line.Text, row}); });
+  return drawn;
+}
+
+TEST(Console, TenLinesLeaveNine) {
+  ConsoleLines.clear();
+  for (int i = 0; i < 10; i++) RVK_ConsoleAppend(("line " + std::to_string(i)).c_str(), 0);
+  ASSERT_EQ(ConsoleLines.size(), 9u);
+  EXPECT_EQ(ConsoleLines.front().Text, "line 1");
+  EXPECT_EQ(ConsoleLines.back().Text, "line 9");
+}
+
+TEST(Console, LinesAgeByChangesOfTheSecondAndLeaveAfterThirteen) {
+  ConsoleLines.clear();
+  RVK_ConsoleAppend("first", 58);
+  EXPECT_EQ(Pass(58).size(), 1u);
+  EXPECT_EQ(ConsoleLines[0].Age, 0);
+  RVK_ConsoleAppend("second", 59);
+  // Many frames within one second age a line once.
+  for (int i = 0; i < 30; i++) Pass(59);
+  EXPECT_EQ(ConsoleLines[0].Age, 1);
+  EXPECT_EQ(ConsoleLines[1].Age, 0);
+  // Twelve more changes (the second wraps at 60): the first line is 13 old,
+  // drawn once more in its place, then gone; the second moves up in the
+  // same pass.
+  int second = 59;
+  for (int i = 0; i < 11; i++) Pass(second = (second + 1) % 60);
+  ASSERT_EQ(ConsoleLines.size(), 2u);
+  EXPECT_EQ(ConsoleLines[0].Age, 12);
+  std::vector<Drawn> drawn = Pass(second = (second + 1) % 60);
+  ASSERT_EQ(drawn.size(), 2u);
+  EXPECT_EQ(drawn[0].Text, "first");
+  EXPECT_EQ(drawn[0].Row, 0);
+  EXPECT_EQ(drawn[1].Text, "second");
+  EXPECT_EQ(drawn[1].Row, 0);
+  ASSERT_EQ(ConsoleLines.size(), 1u);
+  EXPECT_EQ(ConsoleLines[0].Age, 12);
+  Pass(second = (second + 1) % 60);
+  EXPECT_TRUE(ConsoleLines.empty());
+}
+
+TEST(Console, RecolouringAndMessagesBeforeStart) {
+  ConsoleLines.clear();
+  RVK_SetLastMessageColour(7);  // an empty console: nothing to do
+  EXPECT_TRUE(ConsoleLines.empty());
+  ConsoleColour = 1;
+  RVK_ConsoleAppend("a", 0);
+  RVK_ConsoleAppend("b", 0);
+  RVK_SetLastMessageColour(42);
+  EXPECT_EQ(ConsoleLines[0].Colour, 1);
+  EXPECT_EQ(ConsoleLines[1].Colour, 42);
+  // Without a started library a message leaves no line.
+  ASSERT_FALSE(RVK_IsStarted());
+  RVK_Message("%s", "unseen");
+  EXPECT_EQ(ConsoleLines.size(), 2u);
+}
+
+TEST(ErrorLog, EntriesAreDateLineMessageAndEmptyLine) {
+  std::remove("RVK Error Log.txt");
+  EXPECT_FALSE(RVK_HasLoggedError());
+  RVK_LogError("texture %d of %s at 100%%", 3, "hat");
+  RVK_LogError("%s", std::string(400, 'x').c_str());
+  EXPECT_TRUE(RVK_HasLoggedError());
+  std::ifstream in("RVK Error Log.txt", std::ios::binary);
+  std::stringstream all;
+  all << in.rdbuf();
+  const std::string date = "[A-Z][a-z]{2} [A-Z][a-z]{2} [ 0-3][0-9] [0-2][0-9]:[0-5][0-9]:[0-6][0-9] [0-9]{4}\n";
+  // A long message is cut to 255 characters.
+  std::regex form(date + ">texture 3 of hat at 100%\n\n" + date + ">" + std::string(255, 'x') + "\n\n");
+  EXPECT_TRUE(std::regex_match(all.str(), form)) << all.str();
+}
