@@ -35,3 +35,25 @@ public:
   // Draws the menu for one frame; answers whether the selected entry was clicked.
   bool Draw();
 };
+
+// The pulse of the selected entry's icon and name, shared by all menus.
+class MenuPulseClass {
+public:
+  int32_t Size = 8;
+  bool Growing = true;
+  uint8_t Brightness = 128;
+  bool Brightening = true;
+
+  // One tick of the pulse.
+  void Step();
+};
+extern MenuPulseClass RVK_MenuPulse;
+
+// Where entry `index` of a menu stands: the y of its row and its hit
+// rectangle, both far edges inside.
+class MenuRowClass {
+public:
+  int32_t Y = 0;
+  int32_t X1 = 0, Y1 = 0, X2 = 0, Y2 = 0;
+};
+MenuRowClass RVK_MenuRow(int index, int mediumHeight, int textHeight, int rowWidth, int textX);

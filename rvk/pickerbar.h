@@ -27,3 +27,11 @@ public:
   int Run();
   void Free();
 };
+
+// Rows that fit between the first row's y and the Down button's y, at a row
+// height of rowHeight (0 for a bar too small or a height below 1).
+int RVK_PickerVisibleRows(int downButtonY, int rowsY, int rowHeight);
+// The greatest first row of a bar of `rows` rows showing `visibleRows`.
+int RVK_PickerMaxTopRow(int rows, int visibleRows);
+// The clip rectangle of the rows, as x, y, w, h for RVK_SetClipRect.
+void RVK_PickerClipRect(const PickerBarClass &bar, int &x, int &y, int &w, int &h);

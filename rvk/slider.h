@@ -16,4 +16,14 @@ public:
 
   void Create(const char *label, int x, int y, int width, int height, int min, int max, bool vertical, int knobSize, int *value, int page);
   void Run();
+  // Length along the axis of movement.
+  int Length() const;
+  // Length of the knob, never below 20.
+  int KnobLength() const;
+  // Offset of the knob from the slider's start for a value.
+  int KnobPosition(int value) const;
+  // The value a press at `offset` pixels from the start along the axis
+  // gives, with the knob centred on the pointer. False when the knob fills
+  // the slider and there is nowhere to move it.
+  bool ValueAt(int offset, int &value) const;
 };

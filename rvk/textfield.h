@@ -4,6 +4,18 @@
 #include <string>
 #include <allegro.h>
 
+// What a key does to a field that has the focus.
+enum TextKeyAction {
+  TextKeyBackspace,
+  TextKeyTab,
+  TextKeyLeft,
+  TextKeyRight,
+  TextKeyPassOn,  // back into the key buffer for whoever reads next
+  TextKeyInsert,
+  TextKeyDrop,  // a key with no character
+};
+TextKeyAction RVK_TextKeyAction(int scancode, int character);
+
 class TextFieldClass {
 public:
   int32_t Caret = 0;
@@ -22,6 +34,8 @@ public:
   void Run();
   const char *GetText() const;
   void ReleaseFocusId();
+  // Applies one key to the text and caret (Tab moves the focus).
+  void ApplyKey(TextKeyAction action, int character);
 };
 
 void RVK_ResetFocus();
@@ -29,5 +43,9 @@ unsigned char RVK_AllocFocusId();
 void RVK_FreeFocusId(unsigned char id);
 void RVK_NextFocus();
 unsigned char RVK_GetFocus();
+void RVK_SetFocus(unsigned char id);
 int RVK_TextWidthForChars(FONT *font, int count);
+// Whether a caret blinking with the given number of changes a second is on
+// at the given clock reading.
+bool RVK_BlinkOn(int32_t milliseconds, int changesPerSecond);
 void DrawCaret(int x, int y, int colour);

@@ -33,3 +33,15 @@ public:
   int Run();
   void Clear();
 };
+
+// Places the buttons in a row from x + 2 at the height of a toolbar at y
+// and answers the toolbar's width: the wider of the title (+6) and the row
+// with the status text (statusLength -1 when there is no status).
+int RVK_ToolbarLayout(std::vector<ButtonClass> &buttons, int x, int y, int textHeight, int titleLength,
+                      int statusLength);
+// Moves a toolbar that sticks out past the right or lower edge back in, then
+// one that lies before the left or upper edge (AddButtonEx).
+void RVK_ToolbarKeepOnScreen(ToolbarClass &toolbar, int screenW, int screenH);
+// One frame of edge sliding for a pointer at (mx, my) pressed against a
+// screen edge beside a toolbar that hangs off it: 3 pixels back.
+void RVK_ToolbarEdgeSlide(ToolbarClass &toolbar, int mx, int my, int textHeight, int screenW, int screenH);

@@ -1,0 +1,309 @@
+// ListBoxClass: a scrolling list of text rows that wraps a text to its width,
+// with an optional selection and the scroll bars it manages by itself.
+#include "rvk/listbox.h"
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include "rvk/button.h"
+#include "rvk/core.h"
+#include "rvk/draw.h"
+
+static int TextHeight() {
+  return RVK_FontStandard != nullptr ? text_height(RVK_FontStandard) : 0;
+}
+
+// ---- Text splitting ----
+
+std::vector<std::pair<int, int>> RVK_SplitLines(const char *text, FONT *font, int maxWidth) {
+  std::vector<std::pair<int, int>> rows;
+  if (text == nullptr) text = "";
+  int len = (int)std::strlen(text);
+  int start = 0, end = 1;
+  if (len > 2) {
+    while (end < len - 1) {
+      if (text[start] == '\n') {
+        rows.emplace_back(start, end - 1);
+        start += 1;
+        end = start + 1;
+      } else if (text[end] == '\n') {
+        rows.emplace_back(start, end - 1);
+        start = end + 1;
+        end = start + 1;
+      } else if (font != nullptr &&
+                 text_length(font, std::string(text + start, (size_t)(end - start + 1)).c_str()) >= maxWidth) {
+        // Break after the last blank of the row; a word with no blank is
+        // cut where it reached the width.
+        int blank = -1;
+        for (int i = end; i > start; i--) {
+          if (text[i] == ' ') {
+            blank = i;
+            break;
+          }
+        }
+        if (blank != -1) {
+          rows.emplace_back(start, blank);
+          start = blank + 1;
+        } else {
+          rows.emplace_back(start, end);
+          start = end + 1;
+        }
+        end = start + 1;
+      } else {
+        end += 1;
+      }
+    }
+  }
+  rows.emplace_back(start, len - 1);
+  return rows;
+}
+
+const char *RVK_Substring(const char *text, int start, int end) {
+  // 512 characters and the terminator.
+  static char buffer[513];
+  if (end - start >= 512) return nullptr;
+  buffer[0] = 0;
+  if (text == nullptr || end < start || start < 0) return buffer;
+  int len = (int)std::strlen(text);
+  if (start >= len) return buffer;
+  // Characters past the end of the text are not there to copy.
+  int last = end < len ? end : len - 1;
+  int count = last - start + 1;
+  std::memcpy(buffer, text + start, (size_t)count);
+  buffer[count] = 0;
+  return buffer;
+}
+
+// ---- Rows ----
+
+void ListBoxClass::Create(int x, int y, int width, int rowsShown) {
+  Selected = 0;
+  X = x;
+  Y = y;
+  Width = width;
+  RowsShown = rowsShown;
+  HScroll = 0;
+  TopRow = 0;
+  HasHBar = false;
+  HasVBar = false;
+  AllowHScroll = true;
+  Selectable = true;
+  KeyboardOn = false;
+  Activated = -1;
+  LastClicked = -1;
+  KeepSelectionVisible = false;
+  LastWheel = mouse_z;
+  UpdateSliders();
+}
+
+void ListBoxClass::AddItem(const char *text, const char *iconName, const char *tag) {
+  ListBoxItemClass item;
+  item.Text = text != nullptr ? text : "";
+  if (!item.Text.empty() && item.Text.back() == '\n') item.Text.pop_back();
+  item.Icon = iconName != nullptr && iconName[0] != 0 ? RVK_GetIcon(iconName) : RVK_GetDefaultIcon();
+  item.Tag = tag != nullptr ? tag : "";
+  item.ColumnCount = 0;
+  Items.push_back(item);
+  UpdateSliders();
+}
+
+void ListBoxClass::AddText(const char *text) {
+  if (text == nullptr) text = "";
+  std::vector<std::pair<int, int>> rows = RVK_SplitLines(text, RVK_FontStandard, Width - TextHeight() - 1);
+  for (const std::pair<int, int> &row : rows) {
+    if (row.first == row.second) {
+      AddItem(" ", nullptr, nullptr);
+      continue;
+    }
+    const char *part = RVK_Substring(text, row.first, row.second);
+    if (part != nullptr) {
+      AddItem(part, nullptr, nullptr);
+    } else {
+      // A row too long for the shared buffer is copied whole, not lost.
+      AddItem(std::string(text + row.first, (size_t)(row.second - row.first + 1)).c_str(), nullptr, nullptr);
+    }
+  }
+}
+
+bool ListBoxClass::LoadFromTextFile(const char *path) {
+  std::string name = RVK_NativePath(path);
+  FILE *file = std::fopen(name.c_str(), "r");
+  if (file == nullptr) {
+    RVK_LogError("RVK_LoadFileToListBox: The file \"%s\" could not be opened as \"r\".", path != nullptr ? path : "");
+    return false;
+  }
+  long size = 0;
+  if (std::fseek(file, 0, SEEK_END) == 0) size = std::ftell(file);
+  if (size < 0) size = 0;
+  std::rewind(file);
+  char *buffer = (char *)std::malloc((size_t)size + 1);
+  if (buffer == nullptr) {
+    RVK_LogError("ListBoxClass::LoadFromTextFile: Unable to allocate %ld bytes for file buffer", size + 1);
+    std::fclose(file);
+    return false;
+  }
+  size_t read = std::fread(buffer, 1, (size_t)size, file);
+  std::fclose(file);
+  // Line ends become line feeds: a CR LF pair counts as one.
+  size_t out = 0;
+  for (size_t i = 0; i < read; i++) {
+    if (buffer[i] == '\r' && i + 1 < read && buffer[i + 1] == '\n') continue;
+    buffer[out++] = buffer[i];
+  }
+  buffer[out] = 0;
+  AddText(buffer);
+  std::free(buffer);
+  return true;
+}
+
+void ListBoxClass::Clear() {
+  Items.clear();
+  Selected = 0;
+  TopRow = 0;
+  HScroll = 0;
+  HasHBar = false;
+  HasVBar = false;
+}
+
+int ListBoxClass::GetCount() const {
+  return (int)Items.size();
+}
+
+ListBoxItemClass &ListBoxClass::GetItem(int index) {
+  return Items[(size_t)index];
+}
+
+// ---- Scrolling ----
+
+void ListBoxClass::ScrollUp(int n) {
+  Selected -= n;
+  if (Selected < 0) Selected = 0;
+  if (Selected < TopRow) TopRow = Selected;
+}
+
+void ListBoxClass::ScrollDown(int n) {
+  if (Selected < GetCount() - n) {
+    Selected += n;
+    if (Selected >= TopRow + RowsShown) TopRow = Selected - RowsShown + 1;
+  }
+}
+
+void ListBoxClass::UpdateSliders() {
+  int h = TextHeight();
+  int n = GetCount();
+  HasVBar = false;
+  HasHBar = false;
+  HScroll = 0;
+  TopRow = 0;
+  if (n > RowsShown) {
+    HasVBar = true;
+    float percent = (float)RowsShown / (float)n * 100.0f;
+    int knob = (int)((float)h * (float)RowsShown / 100.0f * percent);
+    VBar.Create(nullptr, X + Width - h, Y, h, (h + 1) * RowsShown, 0, n - RowsShown, true, knob, &TopRow, RowsShown);
+  }
+  int longest = 0;
+  for (const ListBoxItemClass &item : Items) {
+    int length = RVK_FontStandard != nullptr ? text_length(RVK_FontStandard, item.Text.c_str()) : 0;
+    if (length > longest) longest = length;
+  }
+  longest += 3;
+  // A list without width has no room for a bar.
+  if (AllowHScroll && Width > 0 && longest > Width) {
+    HasHBar = true;
+    HBar.Create(nullptr, X, Y + (h + 1) * RowsShown + 1, Width, h, 0, longest - Width, false,
+                Width / (longest / Width), &HScroll, Width);
+  }
+}
+
+// ---- Running ----
+
+void ListBoxClass::Run() {
+  const PaletteClass &p = RVK_Palette;
+  int h = TextHeight();
+  int count = GetCount();
+
+  if (Selectable) {
+    if (Selected >= count) Selected = count - 1;
+    if (Selected < 0) Selected = 0;
+    if (KeepSelectionVisible) {
+      if (Selected < TopRow && TopRow > 0)
+        Selected = TopRow;
+      else if (Selected >= TopRow + RowsShown && TopRow < count - RowsShown)
+        Selected = TopRow + RowsShown - 1;
+    }
+  }
+
+  int boxHeight = (h + 1) * RowsShown + 1;
+  RVK_DrawBevelBox(X, Y, X + Width, Y + boxHeight, p.ListUpperLeft, p.White, p.ListFill, 255);
+  RVK_SetClipRect(X, Y, Width, boxHeight);
+
+  int hoverRow = -1;
+  int mb = mouse_b;
+  for (int r = 0; r < RowsShown; r++) {
+    int i = TopRow + r;
+    if (i < 0 || i >= count) break;
+    int ry = Y + (h + 1) * r;
+    int right = X + Width - 1 - (HasVBar ? h : 0);
+    bool in = RVK_MouseIn(X + 1, ry, right, ry + h + 1);
+    if (in) hoverRow = i;
+    int colour = p.Black;
+    if (i == Selected && Selectable) {
+      RVK_DrawRect(X + 1, ry + 1, X + Width - 2, ry + h, p.Black, true, 255);
+      colour = p.ListFill;
+    } else if ((mb & 1) && in) {
+      // Shown selected from the next frame on.
+      Selected = i;
+    }
+    const ListBoxItemClass &item = Items[(size_t)i];
+    RVK_DrawText(RVK_FontStandard, X - HScroll + 1, ry, colour, item.Text.c_str());
+    int columns = item.ColumnCount < 0 ? 0 : item.ColumnCount > 8 ? 8 : item.ColumnCount;
+    for (int c = 0; c < columns; c++)
+      RVK_DrawText(RVK_FontStandard, X - HScroll + 1 + item.ColumnOffsets[c], ry, colour,
+                   item.ColumnTexts[c].c_str());
+  }
+  RVK_ClearClipRect();
+
+  if (hoverRow != -1 && (mouse_b & 1)) {
+    RVK_WaitMouseUp();
+    if (LastClicked == Selected) {
+      // Two clicks on one row within a quarter of a second.
+      if (!RVK_TimeElapsed(ClickTime, 25)) Activated = Selected;
+    } else {
+      LastClicked = Selected;
+      RVK_GetTimeStamp(ClickTime);
+    }
+  }
+
+  if (KeyboardOn) {
+    if (keypressed()) {
+      int k = readkey();
+      switch (k >> 8) {
+        case KEY_UP: ScrollUp(1); break;
+        case KEY_DOWN: ScrollDown(1); break;
+        case KEY_PGUP:
+          Selected -= RowsShown;
+          if (Selected < 0) Selected = 0;
+          TopRow -= RowsShown;
+          if (TopRow < 0) TopRow = 0;
+          break;
+        case KEY_PGDN:
+          Selected += RowsShown;
+          if (Selected > count - 1) Selected = count - 1;
+          TopRow += RowsShown;
+          if (TopRow + RowsShown >= count) TopRow = count - RowsShown;
+          // A list shorter than its box keeps its first row on top.
+          if (TopRow < 0) TopRow = 0;
+          break;
+        default: simulate_keypress(k); break;
+      }
+    }
+    int wheel = mouse_z;
+    if (wheel > LastWheel)
+      ScrollUp(wheel - LastWheel);
+    else if (wheel < LastWheel)
+      ScrollDown(LastWheel - wheel);
+    LastWheel = wheel;
+  }
+
+  if (HasVBar) VBar.Run();
+  if (HasHBar) HBar.Run();
+}
