@@ -1,0 +1,351 @@
+// ModelClass in a real GL context: display lists per frame, the frame clock,
+// the material state left behind, and pixels of lit, textured models.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <allegro.h>
+
+#include <GL/gl.h>
+
+#include <cstring>
+#include <string>
+
+#include "model/modelclass.h"
+#include "support/gl_env.h"
+#include "tools/ms3dwriter/ms3dwriter.h"
+
+namespace {
+
+std::string TempDir() {
+  static std::string dir;
+  if (dir.empty()) {
+    char tmpl[] = "/tmp/model_render_XXXXXX";
+    dir = mkdtemp(tmpl);
+    mkdir((dir + "/sub").c_str(), 0700);
+  }
+  return dir;
+}
+
+// A unit square facing +z, centred on (x, 0, 0), in one group.
+void AddSquare(MS3DWriter &w, float x, int8_t material, int8_t bone) {
+  uint16_t base = static_cast<uint16_t>(w.Vertices.size());
+  const float corners[4][2] = {{-0.5f, -0.5f}, {0.5f, -0.5f}, {0.5f, 0.5f}, {-0.5f, 0.5f}};
+  for (const auto &c : corners) {
+    msVertex v;
+    v.Position[0] = x + c[0];
+    v.Position[1] = c[1];
+    v.BoneId = bone;
+    w.Vertices.push_back(v);
+  }
+  msGroup g;
+  g.MaterialIndex = material;
+  const uint16_t tris[2][3] = {{0, 1, 2}, {0, 2, 3}};
+  for (const auto &t : tris) {
+    msTriangle tri;
+    for (int c = 0; c < 3; c++) {
+      tri.VertexIndices[c] = base + t[c];
+      tri.VertexNormals[c][2] = 1.0f;
+      tri.S[c] = corners[t[c]][0] + 0.5f;
+      tri.T[c] = corners[t[c]][1] + 0.5f;
+    }
+    g.TriangleIndices.push_back(static_cast<uint16_t>(w.Triangles.size()));
+    w.Triangles.push_back(tri);
+  }
+  w.Groups.push_back(g);
+}
+
+msMaterial Material(float r, float g, float b, float transparency, const char *texture) {
+  msMaterial m;
+  m.Diffuse[0] = r;
+  m.Diffuse[1] = g;
+  m.Diffuse[2] = b;
+  m.Transparency = transparency;
+  std::strcpy(m.Texture, texture);
+  return m;
+}
+
+std::string Save(const MS3DWriter &w, const char *name) {
+  std::string path = TempDir() + "/" + name;
+  EXPECT_TRUE(w.Save(path.c_str()));
+  return path;
+}
+
+void SaveTexture(const std::string &path, int r, int g, int b) {
+  BITMAP *bmp = create_bitmap_ex(24, 4, 4);
+  clear_to_color(bmp, makecol24(r, g, b));
+  ASSERT_EQ(save_bitmap(path.c_str(), bmp, nullptr), 0);
+  destroy_bitmap(bmp);
+}
+
+// An orthographic view of 8 x 6 units over the 800 x 600 window, 100 pixels
+// to the unit, origin at the centre; black background; lighting as asked.
+void BeginScene(bool lit) {
+  glViewport(0, 0, TK_SCREEN_W, TK_SCREEN_H);
+  glMatrixMode(GL_PROJECTION);
+  glLoadIdentity();
+  glOrtho(-4, 4, -3, 3, -10, 10);
+  glMatrixMode(GL_MODELVIEW);
+  glLoadIdentity();
+  glDisable(GL_CULL_FACE);
+  glDisable(GL_BLEND);
+  glDisable(GL_SCISSOR_TEST);
+  glDisable(GL_COLOR_MATERIAL);
+  glDepthFunc(GL_LESS);
+  glDepthMask(GL_TRUE);
+  glClearColor(0, 0, 0, 1);
+  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+  glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
+  if (!lit) {
+    glDisable(GL_LIGHTING);
+    return;
+  }
+  // A white light straight from the viewer, and no ambient light at all, so
+  // a surface facing it shows its diffuse colour times its texture.
+  const float none[4] = {0, 0, 0, 1}, white[4] = {1, 1, 1, 1}, ahead[4] = {0, 0, 1, 0};
+  glEnable(GL_LIGHTING);
+  glEnable(GL_LIGHT0);
+  glLightModelfv(GL_LIGHT_MODEL_AMBIENT, none);
+  glLightfv(GL_LIGHT0, GL_AMBIENT, none);
+  glLightfv(GL_LIGHT0, GL_DIFFUSE, white);
+  glLightfv(GL_LIGHT0, GL_SPECULAR, none);
+  glLightfv(GL_LIGHT0, GL_POSITION, ahead);
+}
+
+TkPixel Px(float x, float y) { return TkReadPixel(400 + static_cast<int>(x * 100), 300 - static_cast<int>(y * 100)); }
+
+const TkPixel kBlack{0, 0, 0};
+const TkPixel kWhite{255, 255, 255};
+
+// A square bound to one joint that slides from x = -2 at frame 0 to x = +2
+// at frame 29 (29/8 s at 8 fps).
+MS3DWriter SlidingSquare(int32_t frames) {
+  MS3DWriter w;
+  AddSquare(w, 0, -1, 0);
+  w.AnimationFps = 8;
+  w.TotalFrames = frames;
+  msJoint j;
+  std::strcpy(j.Name, "slide");
+  j.PositionKeys.push_back({0.0f, {-2, 0, 0}});
+  j.PositionKeys.push_back({29.0f / 8, {2, 0, 0}});
+  w.Joints.push_back(j);
+  return w;
+}
+
+}  // namespace
+
+TEST(ModelRender, ListsPerFrameAndTheFrameClock) {
+  ModelClass model;
+  ASSERT_TRUE(model.Load(Save(SlidingSquare(30), "slide.ms3d").c_str())) << model.Error;
+  EXPECT_TRUE(model.Animated);
+  ASSERT_EQ(model.ListCount(), 60);
+  EXPECT_TRUE(glIsList(model.ListBase + 59));
+  EXPECT_EQ(model.CurrentFrame, 0.0f);
+  // After loading, the joints hold frame 0.
+  EXPECT_EQ(model.Model->CurrentTime, 0.0f);
+
+  BeginScene(false);
+  model.Draw(0, 0, 0, 0, 0, 0);
+  EXPECT_EQ(Px(-2, 0), kWhite);
+  EXPECT_EQ(Px(2, 0), kBlack);
+  // 29.9 draws list 59, which holds frame 29.
+  model.CurrentFrame = 29.9f;
+  BeginScene(false);
+  model.Draw(0, 0, 0, 0, 0, 0);
+  EXPECT_EQ(Px(2, 0), kWhite);
+  EXPECT_EQ(Px(-2, 0), kBlack);
+  EXPECT_EQ(Px(0, 0), kBlack);
+  BeginScene(false);
+  glCallList(model.ListBase + 58);
+  EXPECT_EQ(Px(2, 0), kWhite);
+  // Frame 14 of 29 eases to x = -0.103; the draw lifts it by 1.5.
+  model.CurrentFrame = 14.5f;
+  BeginScene(false);
+  model.Draw(0, 1.5f, 0, 0, 0, 0);
+  EXPECT_EQ(Px(-0.55f, 1.5f), kWhite);
+  EXPECT_EQ(Px(0.35f, 1.5f), kWhite);
+  EXPECT_EQ(Px(-0.7f, 1.5f), kBlack);
+  EXPECT_EQ(Px(0.45f, 1.5f), kBlack);
+  EXPECT_EQ(Px(0, 0), kBlack);
+
+  // 500 ms at 8 fps is 4 frames; passing 30 drops back to 0.
+  model.CurrentFrame = 2;
+  model.LastClock = ModelClock() - 500;
+  model.UpdateFrame();
+  EXPECT_NEAR(model.CurrentFrame, 6.0f, 0.05f);
+  model.CurrentFrame = 29;
+  model.LastClock = ModelClock() - 2000;
+  model.UpdateFrame();
+  EXPECT_EQ(model.CurrentFrame, 0.0f);
+
+  GLuint base = model.ListBase;
+  model.Unload();
+  EXPECT_FALSE(model.Loaded);
+  EXPECT_EQ(model.Model, nullptr);
+  EXPECT_FALSE(glIsList(base));
+  EXPECT_FALSE(glIsList(base + 59));
+
+  // No frames: no lists, nothing drawn.
+  ASSERT_TRUE(model.Load(Save(SlidingSquare(0), "still.ms3d").c_str()));
+  EXPECT_EQ(model.ListCount(), 0);
+  BeginScene(false);
+  model.Draw(0, 0, 0, 0, 0, 0);
+  EXPECT_EQ(Px(-2, 0), kBlack);
+  model.Unload();
+
+  // Without joints: one list, and the clock doesn't move it.
+  MS3DWriter plain;
+  AddSquare(plain, 0, -1, -1);
+  ASSERT_TRUE(model.Load(Save(plain, "plain.ms3d").c_str()));
+  EXPECT_FALSE(model.Animated);
+  EXPECT_EQ(model.ListCount(), 1);
+  model.LastClock = ModelClock() - 5000;
+  model.UpdateFrame();
+  EXPECT_EQ(model.CurrentFrame, 0.0f);
+  BeginScene(false);
+  model.Draw(1, 0, 0, 0, 0, 64);
+  EXPECT_EQ(Px(1.4f, 0.4f), kWhite);
+  EXPECT_EQ(Px(0.4f, 0), kBlack);
+  model.Unload();
+
+  EXPECT_FALSE(model.Load("/nonexistent/dir/x.ms3d"));
+  EXPECT_EQ(model.Error, "Unable to load model from /nonexistent/dir/x.ms3d");
+  EXPECT_TRUE(model.ModelAllocated);
+  EXPECT_FALSE(model.Loaded);
+  ASSERT_TRUE(model.Load(Save(plain, "plain.ms3d").c_str()));
+  model.Unload();
+}
+
+TEST(ModelRender, MaterialStateLeftBehind) {
+  MS3DWriter w;
+  AddSquare(w, -2, 0, -1);
+  AddSquare(w, 2, 1, -1);
+  w.Materials.push_back(Material(1, 1, 1, 0.5f, ""));
+  w.Materials.push_back(Material(1, 1, 1, 1.0f, ""));
+  w.Materials[1].Mode = 0x80;
+  w.Materials[1].Shininess = 7;
+  w.Materials[1].Ambient[1] = 0.3f;
+  w.TransparencyMode = 0;
+  ModelClass model;
+  ASSERT_TRUE(model.Load(Save(w, "state.ms3d").c_str()));
+
+  GLint i;
+  GLboolean b;
+  GLfloat f[4];
+  glDepthMask(GL_TRUE);
+  // Blended, mode 0: depth writes off and alpha test on; an opaque material
+  // after it leaves both as they are.
+  model.SetupMaterial(0);
+  glGetBooleanv(GL_DEPTH_WRITEMASK, &b);
+  EXPECT_EQ(b, GL_FALSE);
+  EXPECT_TRUE(glIsEnabled(GL_ALPHA_TEST));
+  EXPECT_TRUE(glIsEnabled(GL_BLEND));
+  glGetIntegerv(GL_BLEND_SRC, &i);
+  EXPECT_EQ(i, GL_SRC_ALPHA);
+  glGetIntegerv(GL_ALPHA_TEST_FUNC, &i);
+  EXPECT_EQ(i, GL_GREATER);
+  glGetFloatv(GL_CURRENT_COLOR, f);
+  EXPECT_EQ(f[3], 0.5f);
+  glGetIntegerv(GL_LIGHT_MODEL_TWO_SIDE, &i);
+  EXPECT_EQ(i, 1);
+  model.SetupMaterial(1);
+  glGetBooleanv(GL_DEPTH_WRITEMASK, &b);
+  EXPECT_EQ(b, GL_FALSE);
+  EXPECT_TRUE(glIsEnabled(GL_ALPHA_TEST));
+  EXPECT_FALSE(glIsEnabled(GL_BLEND));
+  EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
+  EXPECT_TRUE(glIsEnabled(GL_TEXTURE_GEN_S));
+  EXPECT_TRUE(glIsEnabled(GL_TEXTURE_GEN_T));
+  glGetTexGeniv(GL_T, GL_TEXTURE_GEN_MODE, &i);
+  EXPECT_EQ(i, GL_SPHERE_MAP);
+  glGetIntegerv(GL_LIGHT_MODEL_TWO_SIDE, &i);
+  EXPECT_EQ(i, 0);
+  glGetMaterialfv(GL_FRONT, GL_AMBIENT, f);
+  EXPECT_EQ(f[1], 0.3f);
+  EXPECT_EQ(f[3], 1.0f);
+  glGetMaterialfv(GL_BACK, GL_SHININESS, f);
+  EXPECT_EQ(f[0], 7.0f);
+
+  // Mode 2 writes depth and tests alpha against AlphaRef; mode 1 does neither.
+  model.Model->TransparencyMode = 2;
+  model.Model->AlphaRef = 0.25f;
+  model.SetupMaterial(0);
+  glGetBooleanv(GL_DEPTH_WRITEMASK, &b);
+  EXPECT_EQ(b, GL_TRUE);
+  glGetFloatv(GL_ALPHA_TEST_REF, f);
+  EXPECT_EQ(f[0], 0.25f);
+  model.SetupMaterial(-1);
+  glDepthMask(GL_FALSE);
+  model.Model->TransparencyMode = 1;
+  model.SetupMaterial(0);
+  glGetBooleanv(GL_DEPTH_WRITEMASK, &b);
+  EXPECT_EQ(b, GL_FALSE);
+  EXPECT_FALSE(glIsEnabled(GL_ALPHA_TEST));
+
+  // The compiled list ends in the default state; the two-sided lighting of
+  // the last material stays.
+  glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, 1);
+  BeginScene(true);
+  model.Draw(0, 0, 0, 0, 0, 0);
+  glGetBooleanv(GL_DEPTH_WRITEMASK, &b);
+  EXPECT_EQ(b, GL_TRUE);
+  EXPECT_FALSE(glIsEnabled(GL_ALPHA_TEST));
+  EXPECT_FALSE(glIsEnabled(GL_TEXTURE_GEN_S));
+  EXPECT_FALSE(glIsEnabled(GL_TEXTURE_GEN_T));
+  EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D));
+  EXPECT_FALSE(glIsEnabled(GL_BLEND));
+  EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST));
+  glGetIntegerv(GL_TEXTURE_BINDING_2D, &i);
+  EXPECT_EQ(i, 0);
+  glGetIntegerv(GL_LIGHT_MODEL_TWO_SIDE, &i);
+  EXPECT_EQ(i, 0);
+  glGetMaterialfv(GL_FRONT, GL_AMBIENT, f);
+  EXPECT_EQ(f[0], 0.2f);
+  glGetMaterialfv(GL_BACK, GL_DIFFUSE, f);
+  EXPECT_EQ(f[0], 0.8f);
+  EXPECT_EQ(f[3], 1.0f);
+  glGetFloatv(GL_CURRENT_COLOR, f);
+  EXPECT_EQ(f[3], 1.0f);
+  model.Unload();
+}
+
+TEST(ModelRender, LitTexturedPixels) {
+  SaveTexture(TempDir() + "/red.tga", 200, 40, 40);
+  SaveTexture(TempDir() + "/sub/blue.tga", 30, 60, 220);
+  MS3DWriter w;
+  AddSquare(w, -2, 0, -1);   // textured, found next to the model
+  AddSquare(w, 0, 1, -1);    // texture in a subdirectory named with '\'
+  AddSquare(w, 2, 2, -1);    // texture missing: lit colour only
+  AddSquare(w, 3.5f, 9, -1); // no such material: default grey
+  w.Materials.push_back(Material(1, 1, 1, 1, "red.tga"));
+  w.Materials.push_back(Material(1, 1, 1, 1, "sub\\blue.tga"));
+  w.Materials.push_back(Material(0, 1, 0, 1, "missing.tga"));
+  ModelClass model;
+  ASSERT_TRUE(model.Load(Save(w, "lit.ms3d").c_str()));
+  EXPECT_NE(model.Model->Materials[0].TextureId, 0u);
+  EXPECT_NE(model.Model->Materials[1].TextureId, 0u);
+  EXPECT_STREQ(model.Model->Materials[1].Texture, "sub\\blue.tga");
+  EXPECT_EQ(model.Model->Materials[2].TextureId, 0u);
+  EXPECT_STREQ(model.Model->Materials[2].Texture, "");
+  // Centring: the squares span x from -2.5 to 4.0.
+  EXPECT_EQ(model.CentreOffset[0], -0.75f);
+
+  BeginScene(true);
+  model.Draw(0.75f, 0, 0, 0, 0, 0);
+  EXPECT_EQ(Px(-2, 0), (TkPixel{200, 40, 40}));
+  EXPECT_EQ(Px(0, 0), (TkPixel{30, 60, 220}));
+  EXPECT_EQ(Px(2, 0), (TkPixel{0, 255, 0}));
+  // Default material: diffuse 0.8 under a white light.
+  EXPECT_EQ(Px(3.5f, 0), (TkPixel{204, 204, 204}));
+  EXPECT_EQ(Px(-1, 0), kBlack);
+
+  // Turned a quarter about Y the squares face away from the light's plane.
+  BeginScene(true);
+  model.Draw(0.75f, 0, 0, 0, 64, 0);
+  EXPECT_EQ(Px(-2, 0), kBlack);
+
+  GLuint texture = model.Model->Materials[0].TextureId;
+  EXPECT_TRUE(glIsTexture(texture));
+  model.Unload();
+  EXPECT_FALSE(glIsTexture(texture));
+}
