@@ -1,8 +1,9 @@
 // Entry point of the GL tests: brings up Allegro and an RVK window on the
 // virtual display, runs the tests, and takes the window down again.
+// GoogleTest first: Xlib, pulled in by AllegroGL, defines None as a macro.
+#include <gtest/gtest.h>
 #include <allegro.h>
 #include <alleggl.h>
-#include <gtest/gtest.h>
 #include <cstdio>
 #include "rvk/core.h"
 #include "support/gl_env.h"
