@@ -19,12 +19,6 @@
 #include "rvk/textfield.h"
 #include "rvk/texture.h"
 
-bool NetworkInitialised = false;
-int32_t SavedSwitchMode = 0;
-ENetHost *NetHost = nullptr;
-ENetPeer *ServerPeer = nullptr;
-ENetPeer *ClientPeers[MAX_PLAYERS] = {nullptr};
-
 // ---- Dialogs ----------------------------------------------------------------
 
 class DialogFieldClass {

@@ -83,6 +83,7 @@ class TestHost {
 public:
   ENetHost *Host = nullptr;
   ENetPeer *Peer = nullptr;  // the server, or the last peer that connected
+  std::vector<ENetPeer *> Peers;  // every peer that connected, in order
   bool Connected = false;
   bool Disconnected = false;
   std::vector<ReceivedPacket> Received;
@@ -116,6 +117,7 @@ public:
         Connected = true;
         ConnectTime = NowMs();
         Peer = event.peer;
+        Peers.push_back(event.peer);
       } else if (event.type == ENET_EVENT_TYPE_DISCONNECT) {
         Disconnected = true;
       } else if (event.type == ENET_EVENT_TYPE_RECEIVE) {
