@@ -6,6 +6,7 @@
 #include <GL/gl.h>
 #include <cstdarg>
 #include <cstdio>
+#include <string>
 #include "rvk/core.h"
 
 void RVK_DrawText(FONT *font, int x, int y, int colour, const char *text) {
@@ -15,8 +16,15 @@ void RVK_DrawText(FONT *font, int x, int y, int colour, const char *text) {
   glAlphaFunc(GL_GREATER, 0);
   glEnable(GL_ALPHA_TEST);
   glEnable(GL_TEXTURE_2D);
-  // The text is drawn as it is: a percent sign in it is no format.
-  allegro_gl_printf(font, x, y, 0, colour, "%s", text);
+  // The text is drawn as it is: a percent sign in it is no format. AllegroGL
+  // reads the text it has formatted as a format once more, so each percent
+  // sign goes in doubled and comes out single.
+  std::string literal;
+  for (const char *c = text; *c; c++) {
+    if (*c == '%') literal += '%';
+    literal += *c;
+  }
+  allegro_gl_printf(font, x, y, 0, colour, "%s", literal.c_str());
   glDisable(GL_TEXTURE_2D);
   glDisable(GL_ALPHA_TEST);
   glDisable(GL_BLEND);

@@ -1,0 +1,221 @@
+// Exact pixels of the shape calls, literal text, the console on screen, and
+// the GL state every drawing call leaves behind.
+#include <allegro.h>
+#include <gtest/gtest.h>
+#include <GL/gl.h>
+#include <functional>
+#include <string>
+#include "rvk/console.h"
+#include "rvk/core.h"
+#include "rvk/draw.h"
+#include "rvk/texture.h"
+#include "support/gl_env.h"
+
+static const TkPixel Black{0, 0, 0}, White{255, 255, 255};
+
+static void StartFrame() {
+  glClearColor(0, 0, 0, 1);
+  RVK_BeginFrame();
+}
+
+static int RightmostInk(int x0, int y0, int x1, int y1, TkPixel background) {
+  int right = -1;
+  for (int y = y0; y <= y1; y++)
+    for (int x = x0; x <= x1; x++)
+      if (!(TkReadPixel(x, y) == background) && x > right) right = x;
+  return right;
+}
+
+TEST(Draw, RectanglesIncludeBothFarEdges) {
+  StartFrame();
+  int white = makecol(255, 255, 255);
+  RVK_DrawRect(10, 10, 10, 10, white, true, 255);
+  for (int dy = -1; dy <= 1; dy++)
+    for (int dx = -1; dx <= 1; dx++)
+      EXPECT_EQ(TkReadPixel(10 + dx, 10 + dy), (dx == 0 && dy == 0) ? White : Black) << dx << "," << dy;
+
+  RVK_DrawRectWH(20, 10, 5, 3, white, true, 255);
+  EXPECT_EQ(TkReadPixel(20, 10), White);
+  EXPECT_EQ(TkReadPixel(24, 12), White);
+  EXPECT_EQ(TkReadPixel(25, 12), Black);
+  EXPECT_EQ(TkReadPixel(24, 13), Black);
+  EXPECT_EQ(TkReadPixel(19, 10), Black);
+
+  RVK_DrawRect(40, 10, 50, 16, white, false, 255);
+  for (int x : {40, 45, 50}) {
+    EXPECT_EQ(TkReadPixel(x, 10), White) << x;
+    EXPECT_EQ(TkReadPixel(x, 16), White) << x;
+  }
+  EXPECT_EQ(TkReadPixel(40, 13), White);
+  EXPECT_EQ(TkReadPixel(50, 13), White);
+  EXPECT_EQ(TkReadPixel(41, 11), Black);
+  EXPECT_EQ(TkReadPixel(51, 10), Black);
+  EXPECT_EQ(TkReadPixel(40, 17), Black);
+  EXPECT_EQ(TkReadPixel(40, 9), Black);
+  EXPECT_EQ(TkReadPixel(39, 16), Black);
+
+  // Blended: each outline pixel is drawn once, corners included.
+  RVK_DrawRect(60, 10, 70, 16, white, false, 128);
+  for (int x : {60, 65, 70}) {
+    EXPECT_EQ(TkReadPixel(x, 10), (TkPixel{128, 128, 128})) << x;
+    EXPECT_EQ(TkReadPixel(x, 16), (TkPixel{128, 128, 128})) << x;
+  }
+  RVK_DrawLine(80, 20, 89, 20, makecol(255, 0, 0), 255);
+  EXPECT_EQ(TkReadPixel(80, 20), (TkPixel{255, 0, 0}));
+  EXPECT_EQ(TkReadPixel(88, 20), (TkPixel{255, 0, 0}));
+  EXPECT_EQ(TkReadPixel(80, 21), Black);
+  RVK_End2D(0);
+}
+
+TEST(Draw, BevelFieldAndWindowFrame) {
+  StartFrame();
+  RVK_DrawBevelBox(10, 10, 30, 30, makecol(255, 0, 0), makecol(0, 255, 0), makecol(0, 0, 255), 255);
+  EXPECT_EQ(TkReadPixel(20, 10), (TkPixel{255, 0, 0}));
+  EXPECT_EQ(TkReadPixel(10, 20), (TkPixel{255, 0, 0}));
+  EXPECT_EQ(TkReadPixel(20, 30), (TkPixel{0, 255, 0}));
+  EXPECT_EQ(TkReadPixel(30, 20), (TkPixel{0, 255, 0}));
+  EXPECT_EQ(TkReadPixel(20, 20), (TkPixel{0, 0, 255}));
+  // The no-fill marker leaves the inside alone.
+  RVK_DrawBevelBox(40, 10, 60, 30, makecol(255, 0, 0), makecol(0, 255, 0), RVK_Palette.NoFill, 255);
+  EXPECT_EQ(TkReadPixel(50, 20), Black);
+  EXPECT_EQ(TkReadPixel(50, 10), (TkPixel{255, 0, 0}));
+
+  RVK_DrawFieldBox(100, 10, 50, 20);
+  EXPECT_EQ(TkReadPixel(100, 10), Black);
+  EXPECT_EQ(TkReadPixel(120, 11), Black);
+  EXPECT_EQ(TkReadPixel(120, 20), White);
+  EXPECT_EQ(TkReadPixel(120, 29), (TkPixel{212, 208, 200}));
+  EXPECT_EQ(TkReadPixel(149, 20), (TkPixel{212, 208, 200}));
+
+  int h = text_height(RVK_FontStandard);
+  RVK_DrawWindowFrame(200, 10, 400, 200, 255, "%s", "");
+  EXPECT_EQ(TkReadPixel(300, 10), (TkPixel{179, 179, 179}));
+  EXPECT_EQ(TkReadPixel(300, 12), (TkPixel{3, 3, 255}));
+  // The strip is drawn last: its lower edge lies on the body's upper edge.
+  EXPECT_EQ(TkReadPixel(300, 10 + h + 4), (TkPixel{79, 79, 79}));
+  EXPECT_EQ(TkReadPixel(300, 10 + h + 5), (TkPixel{147, 147, 147}));
+  EXPECT_EQ(TkReadPixel(200, 100), (TkPixel{211, 211, 211}));
+  EXPECT_EQ(TkReadPixel(300, 100), (TkPixel{147, 147, 147}));
+  EXPECT_EQ(TkReadPixel(300, 200), (TkPixel{107, 107, 107}));
+  RVK_End2D(0);
+}
+
+TEST(Draw, PercentSignsAreDrawnLiterally) {
+  // "a%d" drawn literally ends with the d's ink past "a%"; formatted, it
+  // would show a number instead.
+  FONT *f = RVK_FontStandard;
+  int low = text_length(f, "a%"), high = text_length(f, "a%d");
+  std::function<void(int y)> calls[] = {
+      [](int y) { RVK_DrawText(RVK_FontStandard, 10, y, makecol(255, 255, 255), "a%d"); },
+      [](int y) { RVK_Printf(10, y, makecol(255, 255, 255), "%s", "a%d"); },
+      [](int y) { RVK_PrintfFont(RVK_FontStandard, 10, y, makecol(255, 255, 255), "%s", "a%d"); },
+      [](int y) { RVK_Printf(10, y, makecol(255, 255, 255), "a%%d"); },
+  };
+  int y = 10;
+  for (auto &call : calls) {
+    StartFrame();
+    call(y);
+    int right = RightmostInk(10, y, 200, y + 20, Black) - 10;
+    EXPECT_GE(right, low) << "at y " << y;
+    EXPECT_LT(right, high) << "at y " << y;
+    RVK_End2D(0);
+    y += 30;
+  }
+  // A title, and a console line.
+  StartFrame();
+  RVK_DrawWindowFrame(300, 10, 500, 100, 255, "%s", "a%d");
+  int right = RightmostInk(303, 12, 480, 12 + text_height(f), TkPixel{3, 3, 255}) - 303;
+  EXPECT_GE(right, low);
+  EXPECT_LT(right, high);
+  ConsoleLines.clear();
+  RVK_Message("%s", "a%d");
+  ASSERT_EQ(ConsoleLines.size(), 1u);
+  EXPECT_EQ(ConsoleLines[0].Text, "a%d");
+  RVK_DrawConsole();
+  right = RightmostInk(ConsoleLeft, ConsoleTop, 200, ConsoleTop + text_height(f) - 1, Black) - ConsoleLeft;
+  EXPECT_GE(right, low);
+  EXPECT_LT(right, high);
+  RVK_End2D(0);
+  ConsoleLines.clear();
+}
+
+TEST(Draw, ConsoleLinesAndBracket) {
+  ConsoleLines.clear();
+  RVK_Message("");
+  EXPECT_TRUE(ConsoleLines.empty());
+  RVK_Message("%s", "");
+  ASSERT_EQ(ConsoleLines.size(), 1u);
+  EXPECT_EQ(ConsoleLines[0].Text, "");
+  for (int i = 0; i < 10; i++) RVK_Message("message %d", i);
+  ASSERT_EQ(ConsoleLines.size(), 9u);
+  EXPECT_EQ(ConsoleLines[0].Text, "message 1");
+  // A line of 1023 characters stays whole in the console and is drawn cut.
+  RVK_Message("%s", std::string(3000, 'w').c_str());
+  EXPECT_EQ(ConsoleLines.back().Text.size(), 1023u);
+  RVK_SetLastMessageColour(makecol(255, 0, 0));
+
+  int h = text_height(RVK_FontStandard);
+  int n = (int)ConsoleLines.size();
+  StartFrame();
+  RVK_DrawConsole();
+  EXPECT_EQ(TkReadPixel(1, ConsoleTop), White);
+  EXPECT_EQ(TkReadPixel(2, ConsoleTop), White);
+  EXPECT_EQ(TkReadPixel(1, ConsoleTop + n * h - 1), White);
+  EXPECT_EQ(TkReadPixel(2, ConsoleTop + n * h), White);
+  EXPECT_EQ(TkReadPixel(1, ConsoleTop - 1), Black);
+  bool red = false;
+  for (int x = ConsoleLeft; x < 100 && !red; x++)
+    for (int y = ConsoleTop + (n - 1) * h; y < ConsoleTop + n * h; y++)
+      if (TkReadPixel(x, y) == (TkPixel{255, 0, 0})) red = true;
+  EXPECT_TRUE(red);
+  RVK_End2D(0);
+
+  ConsoleLines.clear();
+  StartFrame();
+  RVK_DrawConsole();
+  EXPECT_EQ(TkReadPixel(1, ConsoleTop), Black);
+  RVK_End2D(0);
+}
+
+static void ExpectCleanState(const char *call) {
+  GLfloat c[4];
+  glGetFloatv(GL_CURRENT_COLOR, c);
+  EXPECT_EQ(c[0], 1.0f) << call;
+  EXPECT_EQ(c[1], 1.0f) << call;
+  EXPECT_EQ(c[2], 1.0f) << call;
+  EXPECT_EQ(c[3], 1.0f) << call;
+  EXPECT_FALSE(glIsEnabled(GL_BLEND)) << call;
+  EXPECT_FALSE(glIsEnabled(GL_ALPHA_TEST)) << call;
+  EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D)) << call;
+}
+
+TEST(Draw, EveryCallLeavesWhiteAndStatesOff) {
+  int red = makecol(255, 0, 0);
+  TextureClass cancel = RVK_GetIcon("cancel");
+  struct Call {
+    const char *Name;
+    std::function<void()> Run;
+  } calls[] = {
+      {"DrawText", [] { RVK_DrawText(RVK_FontStandard, 5, 5, makecol(0, 255, 0), "text"); }},
+      {"Printf", [] { RVK_Printf(5, 5, makecol(0, 255, 0), "%d", 5); }},
+      {"PrintfFont", [] { RVK_PrintfFont(RVK_FontMedium, 5, 5, makecol(0, 255, 0), "%d", 5); }},
+      {"DrawLine", [=] { RVK_DrawLine(0, 0, 9, 9, red, 100); }},
+      {"DrawRect filled", [=] { RVK_DrawRect(0, 0, 9, 9, red, true, 100); }},
+      {"DrawRect outline", [=] { RVK_DrawRect(0, 0, 9, 9, red, false, 255); }},
+      {"DrawRectWH", [=] { RVK_DrawRectWH(0, 0, 9, 9, red, true, 255); }},
+      {"DrawBevelBox", [=] { RVK_DrawBevelBox(0, 0, 9, 9, red, red, red, 50); }},
+      {"DrawFieldBox", [] { RVK_DrawFieldBox(0, 0, 20, 20); }},
+      {"DrawWindowFrame", [] { RVK_DrawWindowFrame(0, 0, 99, 99, 128, "t"); }},
+      {"DrawTexture", [=] { RVK_DrawTexture(cancel, 0, 0, 10, true, 100); }},
+  };
+  StartFrame();
+  for (const Call &call : calls) {
+    glColor4ub(10, 20, 30, 40);
+    call.Run();
+    ExpectCleanState(call.Name);
+    // A texture drawn next at alpha 255 shows its true colours.
+    RVK_DrawTexture(cancel, 200, 200, 0, true, 255);
+    EXPECT_EQ(TkReadPixel(216, 216), (TkPixel{236, 52, 52})) << call.Name;
+  }
+  RVK_End2D(0);
+}
