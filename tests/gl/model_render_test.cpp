@@ -194,8 +194,14 @@ TEST(ModelRender, ListsPerFrameAndTheFrameClock) {
   model.Unload();
 
   // Without joints: one list, and the clock doesn't move it.
+  // Ahead of the square's two triangles: a triangle index past the end and a
+  // triangle with a corner past the vertices; both are left out whole.
   MS3DWriter plain;
   AddSquare(plain, 0, -1, -1);
+  msTriangle stray = plain.Triangles[0];
+  stray.VertexIndices[1] = 900;
+  plain.Triangles.push_back(stray);
+  plain.Groups[0].TriangleIndices.insert(plain.Groups[0].TriangleIndices.begin(), {77, 2});
   ASSERT_TRUE(model.Load(Save(plain, "plain.ms3d").c_str()));
   EXPECT_FALSE(model.Animated);
   EXPECT_EQ(model.ListCount(), 1);
@@ -204,7 +210,9 @@ TEST(ModelRender, ListsPerFrameAndTheFrameClock) {
   EXPECT_EQ(model.CurrentFrame, 0.0f);
   BeginScene(false);
   model.Draw(1, 0, 0, 0, 0, 64);
-  EXPECT_EQ(Px(1.4f, 0.4f), kWhite);
+  // Both halves of the square, turned a quarter about Z around (1, 0).
+  EXPECT_EQ(Px(1.3f, 0.3f), kWhite);
+  EXPECT_EQ(Px(0.7f, -0.3f), kWhite);
   EXPECT_EQ(Px(0.4f, 0), kBlack);
   model.Unload();
 

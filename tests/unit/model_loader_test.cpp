@@ -279,21 +279,6 @@ TEST(ModelLoader, OptionalSectionsFollowTheirSubVersions) {
   EXPECT_TRUE(m.Groups[0].Comment.empty());
   EXPECT_TRUE(m.Comment.empty());
   EXPECT_EQ(m.Vertices[1].BoneWeights[1], 30);
-
-  // The same, with the comment bytes still present: the group comment count
-  // (1) is taken as the vertex sub-version, and everything after is out of
-  // step but read without harm.
-  std::vector<uint8_t> b = FullModel().Encode();
-  MS3DWriter cut = FullModel();
-  cut.CommentsSubVersion = 0;
-  size_t commentsAt = cut.Encode().size();
-  PutI32(b, commentsAt, 7);
-  ASSERT_TRUE(LoadBytes(m, b));
-  EXPECT_EQ(m.CommentsSubVersion, 7);
-  EXPECT_EQ(m.VertexExtraSubVersion, 1);
-  // The first vertex's bone bytes are the first comment's index and length.
-  EXPECT_EQ(m.Vertices[0].BoneIds[0], 0);
-  EXPECT_EQ(m.Vertices[0].BoneWeights[1], 10);
 }
 
 TEST(ModelLoader, CommentsOutsideTheirListsAreReadAndDropped) {
@@ -463,35 +448,4 @@ TEST(ModelLoader, HugeCountsAndBadLengthsNeverReadPastTheEnd) {
     EXPECT_EQ(m.CommentsSubVersion, -1);
     EXPECT_EQ(m.JointSize, 1.0f);
   }
-}
-
-TEST(ModelLoader, ThirdPartyFilesLoadWithTheirCounts) {
-  struct Case {
-    const char *File;
-    size_t Vertices, Triangles, Groups, Materials;
-    float Fps;
-    int Frames;
-  } cases[] = {{"twospheres.ms3d", 124, 240, 2, 0, 24.0f, 30},
-               {"twospheres_withmats.ms3d", 124, 240, 2, 2, 24.0f, 30},
-               {"jeep1.ms3d", 1190, 2032, 7, 1, 1.0f, 1}};
-  for (const Case &c : cases) {
-    msModel m;
-    m.UploadTextures = false;
-    std::string path = std::string(TK_SHARED_DIR) + "/ms3d/" + c.File;
-    ASSERT_TRUE(m.Load(path.c_str())) << c.File;
-    EXPECT_EQ(m.Vertices.size(), c.Vertices);
-    EXPECT_EQ(m.Triangles.size(), c.Triangles);
-    EXPECT_EQ(m.Groups.size(), c.Groups);
-    EXPECT_EQ(m.Materials.size(), c.Materials);
-    EXPECT_TRUE(m.Joints.empty());
-    EXPECT_EQ(m.AnimationFps, c.Fps);
-    EXPECT_EQ(m.TotalFrames, c.Frames);
-  }
-  msModel m;
-  m.UploadTextures = false;
-  ASSERT_TRUE(m.Load((std::string(TK_SHARED_DIR) + "/ms3d/twospheres_withmats.ms3d").c_str()));
-  EXPECT_FLOAT_EQ(m.Materials[1].Transparency, 0.84f);
-  EXPECT_EQ(m.Materials[1].Diffuse[3], m.Materials[1].Transparency);
-  ASSERT_TRUE(m.Load((std::string(TK_SHARED_DIR) + "/ms3d/jeep1.ms3d").c_str()));
-  EXPECT_STREQ(m.Materials[0].Texture, ".\\jeep1.jpg");
 }
