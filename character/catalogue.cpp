@@ -52,6 +52,15 @@ std::string DataPath(const char *directory, const char *name) {
 bool LoadModel(ModelClass &model, const CatalogueInfo &info, const char *key, const char *section,
                std::string &error) {
   std::string path = DataPath(info.Directory, get_config_string(section, key, ""));
+  // An empty key names the directory itself. A directory opens like a file
+  // on some systems and then reports an absurd size, so it is refused here
+  // with the text the model loader gives for any file it can't read.
+  int attributes = 0;
+  if (file_exists(path.c_str(), FA_ALL, &attributes) && (attributes & FA_DIREC)) {
+    model.Error = "Unable to load model from " + path;
+    error = model.Error;
+    return false;
+  }
   if (model.Load(path.c_str())) return true;
   error = model.Error;
   // A failed Load keeps its msModel for a next Load that never comes: the

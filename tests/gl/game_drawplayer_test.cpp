@@ -92,7 +92,7 @@ protected:
 // At 500 units a 48-degree view shows 300 / (500 tan 24) = 1.348 pixels a unit.
 TEST_F(DrawPlayerTest, HatSitsOnItsAnchorAndScaleMovesEverything) {
   Draw();
-  EXPECT_NE(TkReadPixel(400, 300), SKY);  // body, 40 units: y 273..327
+  EXPECT_FALSE(TkReadPixel(400, 300) == SKY);  // body, 40 units: y 273..327
   EXPECT_EQ(TkReadPixel(400, 250), SKY);  // between body and hat
   EXPECT_EQ(TkReadPixel(400, 219), SKY);  // the hat faces away and is culled
   EXPECT_TRUE(glIsEnabled(GL_CULL_FACE));
@@ -103,26 +103,26 @@ TEST_F(DrawPlayerTest, HatSitsOnItsAnchorAndScaleMovesEverything) {
 
   Game.Hats[0].BackFaces = true;  // the inside shows; culling comes back on
   Draw();
-  EXPECT_NE(TkReadPixel(400, 219), SKY);  // hat at 60 units up: y 212..226
+  EXPECT_FALSE(TkReadPixel(400, 219) == SKY);  // hat at 60 units up: y 212..226
   EXPECT_EQ(TkReadPixel(400, 205), SKY);
   EXPECT_TRUE(glIsEnabled(GL_CULL_FACE));
 
   Game.Hats[0].Offset[1] = 20;  // the offset adds to the anchor: 80 units up
   Draw();
   EXPECT_EQ(TkReadPixel(400, 219), SKY);
-  EXPECT_NE(TkReadPixel(400, 192), SKY);
+  EXPECT_FALSE(TkReadPixel(400, 192) == SKY);
 
   player.HatNumber = -1;  // no hat: the body alone
   Draw();
   EXPECT_EQ(TkReadPixel(400, 192), SKY);
-  EXPECT_NE(TkReadPixel(400, 300), SKY);
+  EXPECT_FALSE(TkReadPixel(400, 300) == SKY);
 
   player.HatNumber = 0;
   Game.Hats[0].Offset[1] = 0;
   Game.Characters[0].Scale = 2.0f;  // body 80 units, hat anchor at 120
   Draw();
-  EXPECT_NE(TkReadPixel(400, 250), SKY);
-  EXPECT_NE(TkReadPixel(400, 138), SKY);
+  EXPECT_FALSE(TkReadPixel(400, 250) == SKY);
+  EXPECT_FALSE(TkReadPixel(400, 138) == SKY);
   EXPECT_EQ(TkReadPixel(400, 219), SKY);
   EXPECT_FALSE(glIsEnabled(GL_NORMALIZE));
   glGetFloatv(GL_MODELVIEW_MATRIX, after);
@@ -135,11 +135,11 @@ TEST_F(DrawPlayerTest, NetworkRowStandsTheBodyOnItsPosition) {
   Game.Mode = GAME_MODE_SERVER;
   player.HatNumber = -1;
   Draw();
-  EXPECT_NE(TkReadPixel(400, 260), SKY);
+  EXPECT_FALSE(TkReadPixel(400, 260) == SKY);
   EXPECT_EQ(TkReadPixel(400, 318), SKY);
   Game.Mode = GAME_MODE_SINGLE;
   Draw();
-  EXPECT_NE(TkReadPixel(400, 318), SKY);
+  EXPECT_FALSE(TkReadPixel(400, 318) == SKY);
 }
 
 }  // namespace
