@@ -141,7 +141,10 @@ TEST(Draw, PercentSignsAreDrawnLiterally) {
 
 TEST(Draw, ConsoleLinesAndBracket) {
   ConsoleLines.clear();
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-zero-length"
   RVK_Message("");
+#pragma GCC diagnostic pop
   EXPECT_TRUE(ConsoleLines.empty());
   RVK_Message("%s", "");
   ASSERT_EQ(ConsoleLines.size(), 1u);
