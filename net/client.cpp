@@ -10,10 +10,6 @@
 #include "rvk/console.h"
 #include "rvk/messagebox.h"
 
-static const char *FieldAt(const PacketFieldList &fields, size_t index) {
-  return index < fields.size() ? fields[index].c_str() : "";
-}
-
 typedef void (*SetPartFunction)(PlayerClass &, int32_t, bool);
 
 static SetPartFunction SetPartOfUpdate(int32_t type) {
@@ -36,25 +32,25 @@ static SetPartFunction SetPartOfUpdate(int32_t type) {
 // roster always holds the local player and never more than MAX_PLAYERS.
 static void UpdateJoined(const PacketFieldList &fields) {
   GameClass &game = Game;
-  int count = std::atoi(FieldAt(fields, 0));
+  int count = std::atoi(NP_FieldText(fields, 0));
   if (count < 1 || count > MAX_PLAYERS || count <= game.LocalPlayerNumber) return;
   game.SetPlayerCount(count, true);
   PlayerClass &last = game.Players.back();
   ResetPlayer(last);
-  last.PlayerId = std::atoi(FieldAt(fields, 1));
+  last.PlayerId = std::atoi(NP_FieldText(fields, 1));
 }
 
 // "Update Player ID": the first field is a roster index; one outside the
 // roster is ignored.
 static void UpdatePlayerId(const PacketFieldList &fields) {
   GameClass &game = Game;
-  int number = std::atoi(FieldAt(fields, 0));
+  int number = std::atoi(NP_FieldText(fields, 0));
   if (number < 0 || number >= game.GetPlayerCount()) return;
-  game.Players[number].PlayerId = std::atoi(FieldAt(fields, 1));
+  game.Players[number].PlayerId = std::atoi(NP_FieldText(fields, 1));
 }
 
 static bool VersionInfo(PacketFieldList &fields) {
-  std::string server = FieldAt(fields, 0);
+  std::string server = NP_FieldText(fields, 0);
   if (server == TUMBLEKIN_VERSION) {
     RVK_Message("Client and server versions match (%s)", server.c_str());
     return true;
@@ -74,7 +70,7 @@ bool NET_ClientDispatch(int32_t type, PacketFieldList &fields) {
     default: break;
   }
   if (type == 20 || (type >= 21 && type <= 33)) {
-    int number = game.GetPlayerNumber(std::atoi(FieldAt(fields, 0)));
+    int number = game.GetPlayerNumber(std::atoi(NP_FieldText(fields, 0)));
     if (number == -1) return true;
     PlayerClass &player = game.Players[number];
     if (type == 20) {
@@ -84,15 +80,15 @@ bool NET_ClientDispatch(int32_t type, PacketFieldList &fields) {
       }
       NET_RemovePlayer(number);
     } else if (type == 21) {
-      player.PlayerName = FieldAt(fields, 1);
+      player.PlayerName = NP_FieldText(fields, 1);
     } else if (SetPartFunction setPart = SetPartOfUpdate(type)) {
-      setPart(player, std::atoi(FieldAt(fields, 1)), false);
+      setPart(player, std::atoi(NP_FieldText(fields, 1)), false);
     } else if (type == 31) {
-      player.EyesOriTarget[0] = (float)std::atof(FieldAt(fields, 1));
+      player.EyesOriTarget[0] = (float)std::atof(NP_FieldText(fields, 1));
     } else if (type == 32) {
-      player.EyesOriTarget[1] = (float)std::atof(FieldAt(fields, 1));
+      player.EyesOriTarget[1] = (float)std::atof(NP_FieldText(fields, 1));
     } else if (type == 33) {
-      player.EyebrowsY = (float)std::atof(FieldAt(fields, 1));
+      player.EyebrowsY = (float)std::atof(NP_FieldText(fields, 1));
     }
     return true;
   }

@@ -89,6 +89,10 @@ void NP_InitPacketTable() {
 
 // ---- Texts ------------------------------------------------------------------
 
+const char *NP_FieldText(const PacketFieldList &fields, size_t index) {
+  return index < fields.size() ? fields[index].c_str() : "";
+}
+
 const char *NP_GetField(const char *line, int32_t index) {
   static char field[NP_LINE_SIZE + 1];
   field[0] = 0;

@@ -40,6 +40,11 @@ extern PacketTableRow PacketTable[PACKET_TYPE_COUNT];
 // The received fields of one packet as texts, in wire order.
 typedef std::vector<std::string> PacketFieldList;
 
+// The field at `index` as a text, or the empty text for a list that is
+// shorter: the parser always gives a row's full count, this keeps the
+// dispatchers safe when they are called directly.
+const char *NP_FieldText(const PacketFieldList &fields, size_t index);
+
 void NP_InitPacketTable();
 void NP_RegisterPacket(int type, const char *name, const char *description);
 // Number of fields in a row (0 for a type without a row).

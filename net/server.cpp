@@ -11,12 +11,6 @@
 #include "net/send.h"
 #include "rvk/console.h"
 
-// The field at `index`, or the empty text for a list that is shorter; the
-// parser always gives a row's full count, this keeps direct callers safe.
-static const char *FieldAt(const PacketFieldList &fields, size_t index) {
-  return index < fields.size() ? fields[index].c_str() : "";
-}
-
 static int White() { return makecol(255, 255, 255); }
 
 // The peer's IPv4 host as ENet stores it (network byte order) and its port.
@@ -74,14 +68,14 @@ void NET_RemovePlayer(int number) {
 void NET_HandleCommonPacket(int32_t type, PacketFieldList fields) {
   if (type != 52) return;
   GameClass &game = Game;
-  int32_t id = std::atoi(FieldAt(fields, 0));
+  int32_t id = std::atoi(NP_FieldText(fields, 0));
   int number = game.GetPlayerNumber(id);
-  const char *text = FieldAt(fields, 2);
+  const char *text = NP_FieldText(fields, 2);
   if (number != -1)
     RVK_Message("%s: %s", game.Players[number].PlayerName.c_str(), text);
   else
     RVK_Message("%s", text);
-  int colour = std::atoi(FieldAt(fields, 1));
+  int colour = std::atoi(NP_FieldText(fields, 1));
   if (colour != -1) RVK_SetLastMessageColour(colour);
   if (game.Mode == GAME_MODE_SERVER)
     NP_SendPacket(NP_TO_ALL, 52, "%d,%d,%s", id, colour, NP_EscapeText(text).c_str());
@@ -178,9 +172,9 @@ void NET_ServerDispatch(int number, int32_t id, int32_t type, const PacketFieldL
   if (type == 0) {
     NET_RemovePlayer(number);
   } else if (type == 1) {
-    ReportPlayerName(number, id, FieldAt(fields, 0));
+    ReportPlayerName(number, id, NP_FieldText(fields, 0));
   } else if (SetPartFunction setPart = SetPartOfReport(type)) {
-    int32_t value = std::atoi(FieldAt(fields, 0));
+    int32_t value = std::atoi(NP_FieldText(fields, 0));
     PacketSkipPlayerId = id;
     NP_SendPacket(NP_TO_ALL, (uint8_t)(type + 20), "%d,%d", id, value);
     setPart(game.Players[number], value, false);
