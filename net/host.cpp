@@ -109,7 +109,9 @@ bool NET_InitNetwork() {
 
 void NET_ShutdownNetwork() {
   if (!NetworkInitialised) return;
-  if (Game.Mode == GAME_MODE_SERVER) NET_FreePeerTags();
+  // The game loop has set the mode back to none by now, so the tags are
+  // freed whatever the mode: on a client the peer table is empty anyway.
+  NET_FreePeerTags();
   if (NetHost) enet_host_destroy(NetHost);
   NetHost = nullptr;
   ServerPeer = nullptr;

@@ -121,6 +121,9 @@ static void ServerJoin(ENetPeer *peer) {
   int count = game.GetPlayerCount();
   if (count >= MAX_PLAYERS) {
     RVK_Message("Refused connection attempt from %s, server is full", PeerAddressText(peer).c_str());
+    // A slot that ENet hands out again must not carry a tag from before.
+    std::free(peer->data);
+    peer->data = nullptr;
     return;
   }
   RVK_Message("Accepted new client connection");
@@ -211,6 +214,8 @@ static void ServerDisconnect(ENetPeer *peer) {
   int number = Game.GetPlayerNumber(id);
   if (number == -1) {
     RVK_Message("Server received invalid player id %d for \"receive\" packet", id);
+    std::free(peer->data);
+    peer->data = nullptr;
     return;
   }
   RVK_Message("Connection lost to player %d %s", number, Game.Players[number].PlayerName.c_str());
