@@ -41,6 +41,8 @@ bool NP_SendPacket(int32_t destination, uint8_t packetType, const char *format, 
     std::vsnprintf(line, sizeof(line), format, args);
     va_end(args);
   }
+  // Fields that don't fit into a packet are reported as a packet that can't
+  // be made; no row of the table comes near the limit.
   uint8_t data[NP_PACKET_SIZE];
   int length = NP_EncodePacket(packetType, line, data, sizeof(data));
   ENetPacket *packet = length > 0 ? enet_packet_create(data, (size_t)length, ENET_PACKET_FLAG_RELIABLE) : nullptr;
