@@ -26,44 +26,31 @@ static int RightmostInk(int x0, int y0, int x1, int y1, TkPixel background) {
   return right;
 }
 
+struct Expected {
+  int X, Y;
+  TkPixel Colour;
+};
+
+static void ExpectPixels(std::initializer_list<Expected> list) {
+  for (const Expected &e : list) EXPECT_EQ(TkReadPixel(e.X, e.Y), e.Colour) << "at " << e.X << "," << e.Y;
+}
+
 TEST(Draw, RectanglesIncludeBothFarEdges) {
   StartFrame();
   int white = makecol(255, 255, 255);
+  const TkPixel Half{128, 128, 128}, Red{255, 0, 0};
   RVK_DrawRect(10, 10, 10, 10, white, true, 255);
-  for (int dy = -1; dy <= 1; dy++)
-    for (int dx = -1; dx <= 1; dx++)
-      EXPECT_EQ(TkReadPixel(10 + dx, 10 + dy), (dx == 0 && dy == 0) ? White : Black) << dx << "," << dy;
-
+  ExpectPixels({{10, 10, White}, {9, 10, Black}, {11, 10, Black}, {10, 9, Black}, {10, 11, Black}, {11, 11, Black}});
   RVK_DrawRectWH(20, 10, 5, 3, white, true, 255);
-  EXPECT_EQ(TkReadPixel(20, 10), White);
-  EXPECT_EQ(TkReadPixel(24, 12), White);
-  EXPECT_EQ(TkReadPixel(25, 12), Black);
-  EXPECT_EQ(TkReadPixel(24, 13), Black);
-  EXPECT_EQ(TkReadPixel(19, 10), Black);
-
+  ExpectPixels({{20, 10, White}, {24, 12, White}, {25, 12, Black}, {24, 13, Black}, {19, 10, Black}});
   RVK_DrawRect(40, 10, 50, 16, white, false, 255);
-  for (int x : {40, 45, 50}) {
-    EXPECT_EQ(TkReadPixel(x, 10), White) << x;
-    EXPECT_EQ(TkReadPixel(x, 16), White) << x;
-  }
-  EXPECT_EQ(TkReadPixel(40, 13), White);
-  EXPECT_EQ(TkReadPixel(50, 13), White);
-  EXPECT_EQ(TkReadPixel(41, 11), Black);
-  EXPECT_EQ(TkReadPixel(51, 10), Black);
-  EXPECT_EQ(TkReadPixel(40, 17), Black);
-  EXPECT_EQ(TkReadPixel(40, 9), Black);
-  EXPECT_EQ(TkReadPixel(39, 16), Black);
-
+  ExpectPixels({{40, 10, White}, {45, 10, White}, {50, 10, White}, {40, 16, White}, {50, 16, White}, {40, 13, White},
+                {50, 13, White}, {41, 11, Black}, {51, 10, Black}, {40, 17, Black}, {40, 9, Black}, {39, 16, Black}});
   // Blended: each outline pixel is drawn once, corners included.
   RVK_DrawRect(60, 10, 70, 16, white, false, 128);
-  for (int x : {60, 65, 70}) {
-    EXPECT_EQ(TkReadPixel(x, 10), (TkPixel{128, 128, 128})) << x;
-    EXPECT_EQ(TkReadPixel(x, 16), (TkPixel{128, 128, 128})) << x;
-  }
+  ExpectPixels({{60, 10, Half}, {65, 10, Half}, {70, 10, Half}, {60, 16, Half}, {70, 16, Half}, {60, 13, Half}});
   RVK_DrawLine(80, 20, 89, 20, makecol(255, 0, 0), 255);
-  EXPECT_EQ(TkReadPixel(80, 20), (TkPixel{255, 0, 0}));
-  EXPECT_EQ(TkReadPixel(88, 20), (TkPixel{255, 0, 0}));
-  EXPECT_EQ(TkReadPixel(80, 21), Black);
+  ExpectPixels({{80, 20, Red}, {88, 20, Red}, {80, 21, Black}});
   RVK_End2D(0);
 }
 

@@ -1,4 +1,4 @@
-// The console's line limit, ageing by the clock's second, and recolouring,
+// The console's ageing by the clock's second and its recolouring,
 // without a window; and the error log's entries, read back from the file.
 #include <gtest/gtest.h>
 #include <cstdio>
@@ -19,14 +19,6 @@ static std::vector<Drawn> Pass(int second) {
   std::vector<Drawn> drawn;
   RVK_ConsolePass(second, [&](const ConsoleLineClass &line, int row) { drawn.push_back({line.Text, row}); });
   return drawn;
-}
-
-TEST(Console, TenLinesLeaveNine) {
-  ConsoleLines.clear();
-  for (int i = 0; i < 10; i++) RVK_ConsoleAppend(("line " + std::to_string(i)).c_str(), 0);
-  ASSERT_EQ(ConsoleLines.size(), 9u);
-  EXPECT_EQ(ConsoleLines.front().Text, "line 1");
-  EXPECT_EQ(ConsoleLines.back().Text, "line 9");
 }
 
 TEST(Console, LinesAgeByChangesOfTheSecondAndLeaveAfterThirteen) {
