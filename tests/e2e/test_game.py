@@ -30,6 +30,17 @@ def non_sky(image):
     return image.width * image.height - image.count(SKY, tolerance=2)
 
 
+def changed(a, b, threshold=60):
+    """Pixels that differ strongly between two images of one size. The idle
+    motion turns and lights the body slowly; a part that goes or comes, or a
+    turn of the view, changes pixels by far more."""
+    n = 0
+    for i in range(0, len(a.rgb), 3):
+        if max(abs(a.rgb[i + k] - b.rgb[i + k]) for k in range(3)) > threshold:
+            n += 1
+    return n
+
+
 class GameScreenTest(unittest.TestCase):
     def setUp(self):
         self.display = tk.VirtualDisplay()
@@ -53,7 +64,7 @@ class GameScreenTest(unittest.TestCase):
         a = centre(game.screenshot())
         time.sleep(0.5)
         b = centre(game.screenshot())
-        return a.differs(b)
+        return changed(a, b)
 
     def test_dress_up_turn_reload_and_leave(self):
         game = self.new_game()
@@ -75,7 +86,7 @@ class GameScreenTest(unittest.TestCase):
         game.click(ROW_X, PART_ROW_Y[0])
         game.move(700, 500)
         after = game.screenshot("game-03-no-eyes")
-        self.assertGreater(centre(after).differs(before), noise + 200)
+        self.assertGreater(changed(centre(after), before), noise + 200)
 
         # Row 1 gives the first eyes back.
         game.click(ROW_X, PART_ROW_Y[1])
@@ -90,7 +101,7 @@ class GameScreenTest(unittest.TestCase):
         game.move(700, 500)
         time.sleep(0.3)
         other = game.screenshot("game-05-second-body")
-        self.assertGreater(centre(other).differs(before), noise + 200)
+        self.assertGreater(changed(centre(other), before), noise + 200)
         game.click(ROW_X, BODY_ROW_Y[0])
         game.move(700, 500)
 
@@ -100,25 +111,25 @@ class GameScreenTest(unittest.TestCase):
         noise = self.noise(game)
         game.key("Left", hold=1.0)
         turned = game.screenshot("game-06-turned")
-        self.assertGreater(centre(turned).differs(reset_view), noise + 1000)
+        self.assertGreater(changed(centre(turned), reset_view), noise + 1000)
         game.key("r")
         time.sleep(0.2)
         back = game.screenshot("game-07-reset")
-        self.assertLess(centre(back).differs(reset_view), centre(turned).differs(reset_view))
+        self.assertLess(changed(centre(back), reset_view), changed(centre(turned), reset_view))
 
         # A starts the spin, which goes on by itself; A again stops it.
         game.key("a")
         a = centre(game.screenshot("game-08-spinning"))
         time.sleep(0.5)
         b = centre(game.screenshot())
-        self.assertGreater(a.differs(b), noise + 1000)
+        self.assertGreater(changed(a, b), noise + 1000)
         game.key("a")
         game.key("r")
         time.sleep(0.3)
         a = centre(game.screenshot())
         time.sleep(0.5)
         b = centre(game.screenshot())
-        self.assertLess(a.differs(b), noise + 1000)
+        self.assertLess(changed(a, b), noise + 1000)
 
         # F5 reloads the data: the console reports the catalogues again.
         console_before = game.screenshot().crop(0, 330, 400, 270)
@@ -140,15 +151,25 @@ class GameScreenTest(unittest.TestCase):
         game = self.new_game()
         game.key("F5")
         time.sleep(2.0)
-        first = rss_kb(game.proc.pid)
+        first = settled_rss_kb(game.proc.pid)
         for _ in range(20):
             game.key("F5")
             time.sleep(1.0)
-        time.sleep(1.0)
-        last = rss_kb(game.proc.pid)
+        time.sleep(2.0)
+        last = settled_rss_kb(game.proc.pid)
         print("RSS after the first reload %d kB, after 20 more %d kB" % (first, last))
         self.assertTrue(game.running())
         self.assertLessEqual(last, first * 1.02)
+
+
+def settled_rss_kb(pid):
+    """The least of a few readings over a second: the allocator's swings
+    between frames are not growth."""
+    readings = []
+    for _ in range(5):
+        readings.append(rss_kb(pid))
+        time.sleep(0.25)
+    return min(readings)
 
 
 def rss_kb(pid):
