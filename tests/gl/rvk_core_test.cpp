@@ -10,6 +10,7 @@
 #include <thread>
 #include "rvk/console.h"
 #include "rvk/core.h"
+#include "rvk/draw.h"
 #include "rvk/texture.h"
 #include "rvk/timer.h"
 #include "support/gl_env.h"
@@ -180,6 +181,22 @@ TEST(Core, FrameCallsAndThePointer) {
   EXPECT_EQ(TkReadPixel(401, 308), (TkPixel{255, 255, 255}));  // the arrow's head
   EXPECT_EQ(TkReadPixel(407, 315), (TkPixel{0, 0, 100}));      // its shadow, 6 down and right
   EXPECT_EQ(TkReadPixel(399, 300), (TkPixel{0, 0, 200}));
+
+  // The clip counts its bottom from the screen's height less one, which
+  // puts it one row below the rectangle asked for; leaving 2D ends it.
+  ClearTo(0, 0, 0);
+  RVK_Begin2D();
+  RVK_SetClipRect(100, 100, 10, 10);
+  RVK_DrawRect(0, 0, 799, 599, makecol(255, 255, 255), true, 255);
+  const TkPixel W{255, 255, 255}, B{0, 0, 0};
+  EXPECT_EQ(TkReadPixel(100, 100), B);
+  EXPECT_EQ(TkReadPixel(100, 101), W);
+  EXPECT_EQ(TkReadPixel(109, 110), W);
+  EXPECT_EQ(TkReadPixel(109, 111), B);
+  EXPECT_EQ(TkReadPixel(99, 105), B);
+  EXPECT_EQ(TkReadPixel(110, 105), B);
+  RVK_End2D(0);
+  EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));
 }
 
 TEST(Core, RestartShutdownAndFrameTrace) {
