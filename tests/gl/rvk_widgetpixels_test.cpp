@@ -19,6 +19,7 @@
 #include "rvk/textfield.h"
 #include "rvk/toolbar.h"
 #include "support/gl_env.h"
+#include "rvk_xinput.h"
 
 namespace {
 
@@ -27,39 +28,8 @@ const TkPixel Panel{147, 147, 147};
 const TkPixel Hover{55, 55, 255};
 const TkPixel Green{0, 200, 0};
 
-// The window's X id, for pointer moves relative to it. The new title may
-// take a moment to reach the server.
-std::string WindowId() {
-  static std::string id;
-  if (!id.empty()) return id;
-  set_window_title("rvk widget pixels");
-  for (int attempt = 0; attempt < 50 && id.empty(); attempt++) {
-    FILE *p = popen("xdotool search --name '^rvk widget pixels$' 2>/dev/null | head -n 1", "r");
-    char line[64] = {0};
-    if (p != nullptr) {
-      if (fgets(line, sizeof(line), p) == nullptr) line[0] = 0;
-      pclose(p);
-    }
-    id = line;
-    while (!id.empty() && (id.back() == '\n' || id.back() == ' ')) id.pop_back();
-    if (id.empty()) rest(100);
-  }
-  return id;
-}
-
-// Moves the real pointer and waits until Allegro has seen it there; the
-// move is sent again in case the window wasn't listening yet.
 bool MovePointer(int x, int y) {
-  std::string command = "xdotool mousemove --window " + WindowId() + " " + std::to_string(x) + " " +
-                        std::to_string(y);
-  for (int attempt = 0; attempt < 6; attempt++) {
-    if (std::system(command.c_str()) != 0) return false;
-    for (int i = 0; i < 50; i++) {
-      if (mouse_x == x && mouse_y == y) return true;
-      rest(10);
-    }
-  }
-  return false;
+  return TkMovePointer(x, y);
 }
 
 void StartFrame() {

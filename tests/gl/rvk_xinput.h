@@ -1,0 +1,82 @@
+// Real X input for the widget tests: the pointer, buttons and keys sent with
+// xdotool to the test's own window on its virtual display, each waited for
+// until Allegro has seen it.
+#pragma once
+#include <allegro.h>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include "rvk/timer.h"
+
+// The window's X id, found by a title of our own; the title may take a
+// moment to reach the server.
+inline std::string TkWindowId() {
+  static std::string id;
+  if (!id.empty()) return id;
+  set_window_title("rvk widget test window");
+  for (int attempt = 0; attempt < 50 && id.empty(); attempt++) {
+    FILE *p = popen("xdotool search --name '^rvk widget test window$' 2>/dev/null | head -n 1", "r");
+    char line[64] = {0};
+    if (p != nullptr) {
+      if (std::fgets(line, sizeof(line), p) == nullptr) line[0] = 0;
+      pclose(p);
+    }
+    id = line;
+    while (!id.empty() && (id.back() == '\n' || id.back() == ' ')) id.pop_back();
+    if (id.empty()) rest(100);
+  }
+  if (!id.empty()) std::system(("xdotool windowfocus " + id + " 2>/dev/null").c_str());
+  return id;
+}
+
+template <class Condition>
+bool TkWaitFor(Condition condition, int milliseconds = 3000) {
+  int32_t start = RVK_Clock();
+  while (!condition()) {
+    if (RVK_Clock() - start > milliseconds) return false;
+    rest(5);
+  }
+  return true;
+}
+
+// Moves the real pointer; the move is sent again in case the window wasn't
+// listening yet.
+inline bool TkMovePointer(int x, int y) {
+  std::string command = "xdotool mousemove --window " + TkWindowId() + " " + std::to_string(x) + " " +
+                        std::to_string(y);
+  for (int attempt = 0; attempt < 6; attempt++) {
+    if (std::system(command.c_str()) != 0) return false;
+    if (TkWaitFor([&] { return mouse_x == x && mouse_y == y; }, 500)) return true;
+  }
+  return false;
+}
+
+// The move as a shell command, for the background scripts.
+inline std::string TkMoveCommand(int x, int y) {
+  return "xdotool mousemove --window " + TkWindowId() + " " + std::to_string(x) + " " + std::to_string(y);
+}
+
+inline bool TkMouseDown() {
+  std::system("xdotool mousedown 1");
+  return TkWaitFor([] { return (mouse_b & 1) != 0; });
+}
+
+inline bool TkMouseUp() {
+  std::system("xdotool mouseup 1");
+  return TkWaitFor([] { return (mouse_b & 1) == 0; });
+}
+
+inline bool TkKeyDown(const char *name, int scancode) {
+  std::system((std::string("xdotool keydown ") + name).c_str());
+  return TkWaitFor([=] { return key[scancode] != 0; });
+}
+
+inline bool TkKeyUp(const char *name, int scancode) {
+  std::system((std::string("xdotool keyup ") + name).c_str());
+  return TkWaitFor([=] { return key[scancode] == 0; });
+}
+
+// Runs a shell script in the background: the test goes on at once.
+inline void TkLater(const std::string &script) {
+  std::system(("( " + script + " ) >/dev/null 2>&1 &").c_str());
+}
