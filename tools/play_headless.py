@@ -18,7 +18,11 @@ with tk.VirtualDisplay() as display:
     game = tk.Game(display, settings=settings)
     try:
         game.start()
-        time.sleep(2.0)
+        # Loading the catalogues comes before the first menu frame.
+        deadline = time.time() + 20
+        while time.time() < deadline and display.screenshot().count((0, 0, 0)) > 0.9 * 1024 * 768:
+            time.sleep(0.5)
+        time.sleep(1.0)
         menu = os.path.join(out_dir, "menu.png")
         display.screenshot(menu)
         game.key("Return")  # New Game
