@@ -1,7 +1,7 @@
 // The widgets driven by real X input on the test's own display: presses that
 // fire or don't, the waits while a button or key is held, hot keys, picks,
-// menu keys, focus and typing, slider presses, double clicks, dragging, and
-// the two modal screens closed by Enter.
+// menu keys, focus and typing, double clicks, and the two modal screens
+// closed by Enter.
 #include <allegro.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -13,11 +13,9 @@
 #include "rvk/menu.h"
 #include "rvk/messagebox.h"
 #include "rvk/pickerbar.h"
-#include "rvk/slider.h"
 #include "rvk/textfield.h"
 #include "rvk/textviewer.h"
 #include "rvk/timer.h"
-#include "rvk/toolbar.h"
 #include "support/gl_env.h"
 #include "rvk_xinput.h"
 
@@ -244,27 +242,6 @@ TEST(WidgetInput, FieldsTakeFocusByClickAndTypeOneKeyPerFrame) {
   RVK_ResetFocus();
 }
 
-TEST(WidgetInput, SliderFollowsThePressedPointer) {
-  int value = 20;
-  SliderClass s;
-  s.Create("Vol", 100, 300, 200, 14, 0, 50, false, -1, &value, 10);
-  ASSERT_TRUE(TkMovePointer(299, 307));
-  ASSERT_TRUE(TkMouseDown());
-  InFrame([&] { s.Run(); return 0; });
-  EXPECT_EQ(value, 50);
-  ASSERT_TRUE(TkMovePointer(200, 307));
-  InFrame([&] { s.Run(); return 0; });
-  EXPECT_EQ(value, 25);  // knob 39: (100 - 19) x 100 / 161 is 50 percent
-  ASSERT_TRUE(TkMovePointer(101, 307));
-  InFrame([&] { s.Run(); return 0; });
-  EXPECT_EQ(value, 0);
-  // Off the trough the value stays.
-  ASSERT_TRUE(TkMovePointer(200, 330));
-  InFrame([&] { s.Run(); return 0; });
-  EXPECT_EQ(value, 0);
-  ASSERT_TRUE(TkMouseUp());
-}
-
 TEST(WidgetInput, ListBoxSelectsAndKnowsADoubleClick) {
   ListBoxClass list;
   list.Create(100, 100, 300, 5);
@@ -291,35 +268,6 @@ TEST(WidgetInput, ListBoxSelectsAndKnowsADoubleClick) {
   EXPECT_EQ(list.Activated, 1);
   click();
   EXPECT_EQ(list.Activated, 2);
-}
-
-TEST(WidgetInput, ToolbarDragsByItsStripUnlessFixed) {
-  ToolbarClass t;
-  t.Create(200, 200, false);
-  t.AddButtonEx("B", Icon(), -1, false);
-  ASSERT_TRUE(TkMovePointer(220, 205));
-  InFrame([&] { return t.Run(); });
-  ASSERT_TRUE(TkMouseDown());
-  InFrame([&] { return t.Run(); });
-  EXPECT_TRUE(t.Dragging);
-  ASSERT_TRUE(TkMovePointer(240, 215));
-  InFrame([&] { return t.Run(); });
-  EXPECT_EQ(t.X, 220);
-  EXPECT_EQ(t.Y, 210);
-  ASSERT_TRUE(TkMouseUp());
-  InFrame([&] { return t.Run(); });
-  EXPECT_FALSE(t.Dragging);
-  EXPECT_EQ(t.X, 220);
-
-  t.Fixed = true;
-  ASSERT_TRUE(TkMouseDown());
-  InFrame([&] { return t.Run(); });
-  ASSERT_TRUE(TkMovePointer(300, 260));
-  InFrame([&] { return t.Run(); });
-  EXPECT_EQ(t.X, 220);
-  EXPECT_EQ(t.Y, 210);
-  ASSERT_TRUE(TkMouseUp());
-  t.Clear();
 }
 
 TEST(WidgetInput, MessageBoxClosesAfterAReleasedEnterThatWasHeldAtOpening) {

@@ -115,30 +115,6 @@ TEST_F(ListBoxTest, BarsFollowTheRows) {
   EXPECT_EQ(list.GetCount(), 0);
 }
 
-TEST_F(ListBoxTest, ScrollingKeepsTheSelectionOnShow) {
-  ListBoxClass list;
-  list.Create(0, 0, 300, 3);
-  for (int i = 0; i < 6; i++) list.AddItem("r", nullptr, nullptr);
-  list.ScrollDown(1);
-  list.ScrollDown(1);
-  EXPECT_EQ(list.Selected, 2);
-  EXPECT_EQ(list.TopRow, 0);
-  list.ScrollDown(1);
-  EXPECT_EQ(list.Selected, 3);
-  EXPECT_EQ(list.TopRow, 1);
-  list.ScrollDown(3);  // 3 < 6 - 3 is false: no move
-  EXPECT_EQ(list.Selected, 3);
-  list.ScrollDown(2);
-  EXPECT_EQ(list.Selected, 5);
-  EXPECT_EQ(list.TopRow, 3);
-  list.ScrollUp(4);
-  EXPECT_EQ(list.Selected, 1);
-  EXPECT_EQ(list.TopRow, 1);
-  list.ScrollUp(9);
-  EXPECT_EQ(list.Selected, 0);
-  EXPECT_EQ(list.TopRow, 0);
-}
-
 TEST_F(ListBoxTest, LoadFromTextFile) {
   const char *path = "rvk_listbox_test_input.txt";
   {

@@ -42,19 +42,6 @@ TEST(Focus, AllocationReuseWrapAndExhaustion) {
   EXPECT_EQ(RVK_AllocFocusId(), 0);
 }
 
-TEST(TextField, KeysSortedIntoActions) {
-  EXPECT_EQ(RVK_TextKeyAction(KEY_BACKSPACE, 8), TextKeyBackspace);
-  EXPECT_EQ(RVK_TextKeyAction(KEY_TAB, 9), TextKeyTab);
-  EXPECT_EQ(RVK_TextKeyAction(KEY_LEFT, 0), TextKeyLeft);
-  EXPECT_EQ(RVK_TextKeyAction(KEY_RIGHT, 0), TextKeyRight);
-  for (int k : {KEY_F1, KEY_F7, KEY_F12, KEY_ESC, KEY_ENTER, KEY_PGUP, KEY_PGDN, KEY_UP, KEY_DOWN})
-    EXPECT_EQ(RVK_TextKeyAction(k, 13), TextKeyPassOn) << k;
-  EXPECT_EQ(RVK_TextKeyAction(KEY_A, 'a'), TextKeyInsert);
-  EXPECT_EQ(RVK_TextKeyAction(KEY_5_PAD, '5'), TextKeyInsert);
-  EXPECT_EQ(RVK_TextKeyAction(KEY_HOME, 0), TextKeyDrop);
-  EXPECT_EQ(RVK_TextKeyAction(KEY_INSERT, KEY_INSERT << 8), TextKeyDrop);
-}
-
 TEST(TextField, EditingStopsAtTheLimitAndTheEnds) {
   TextFieldClass f;
   f.MaxLength = 16;

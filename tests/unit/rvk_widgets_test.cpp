@@ -65,47 +65,6 @@ TEST(Button, CaptionedSizeCentresPictureAndCaption) {
   EXPECT_EQ(s.IconY, -6);
 }
 
-TEST(Button, CreationSetsStyleKeyNameAndState) {
-  TextureClass icon;
-  icon.TextureName = 7;
-  icon.Loaded = true;
-  ButtonClass b;
-  b.Pressed = true;
-  b.Enabled = false;
-  EXPECT_TRUE(RVK_CreateButtonEx(b, "Exit", icon, 5, 6, KEY_ESC, false));
-  EXPECT_EQ(b.Style, 0);
-  EXPECT_EQ(b.Caption, "Exit");
-  EXPECT_EQ(b.KeyName, "Escape");
-  EXPECT_EQ(b.Width, 32);
-  EXPECT_TRUE(b.Enabled);
-  EXPECT_FALSE(b.Pressed);
-  EXPECT_TRUE(b.KeyWaitClear);
-  EXPECT_EQ(b.Icon.TextureName, 7u);
-
-  EXPECT_TRUE(RVK_CreateButtonEx(b, "ignored", icon, 0, 0, KEY_F5, true));
-  EXPECT_EQ(b.Style, 1);
-  EXPECT_EQ(b.Width, 6);
-  EXPECT_EQ(b.Caption, "");
-  EXPECT_EQ(b.KeyName, "");
-
-  EXPECT_TRUE(RVK_CreateButtonEx(b, "Plain", icon, 0, 0, -1, false));
-  EXPECT_EQ(b.KeyName, "");
-}
-
-TEST(Button, HotKeyFiresOnePollAfterReleaseAndNotWhenHeldAtCreation) {
-  ButtonClass b;
-  // Held when the button was made: quiet until let go once.
-  std::vector<bool> polls = {true, true, false, true, true, false, false, false};
-  std::vector<bool> fired = {false, false, false, false, false, false, true, false};
-  for (size_t i = 0; i < polls.size(); i++) EXPECT_EQ(b.HotKeyStep(polls[i]), fired[i]) << "poll " << i;
-  // The cycle again: the firing poll fires whatever the key does then.
-  EXPECT_FALSE(b.HotKeyStep(true));
-  EXPECT_FALSE(b.HotKeyStep(false));
-  EXPECT_TRUE(b.HotKeyStep(true));
-  EXPECT_FALSE(b.KeyDown);
-  EXPECT_TRUE(b.KeyWaitUp);
-}
-
 static std::vector<ButtonClass> Row(const std::vector<int> &styles) {
   std::vector<ButtonClass> row(styles.size());
   for (size_t i = 0; i < styles.size(); i++) row[i].Style = styles[i];
@@ -127,23 +86,6 @@ TEST(Toolbar, LayoutPlacesButtonsAndTakesTheWiderOfTitleAndRow) {
   EXPECT_EQ(RVK_ToolbarLayout(none, 0, 0, 13, 20, 50), 56);
   EXPECT_EQ(RVK_ToolbarLayout(none, 0, 0, 13, 60, 50), 66);
   EXPECT_EQ(RVK_ToolbarLayout(none, 0, 0, 13, 0, -1), 6);
-}
-
-TEST(Toolbar, KeptOnScreenWhenButtonsAreAdded) {
-  ToolbarClass t;
-  t.X = 780;
-  t.Y = 590;
-  t.Width = 72;
-  t.Height = 61;
-  RVK_ToolbarKeepOnScreen(t, 800, 600);
-  EXPECT_EQ(t.X, 727);
-  EXPECT_EQ(t.Y, 538);
-  // Wider than the screen: the left edge wins.
-  t.Width = 900;
-  t.Y = -5;
-  RVK_ToolbarKeepOnScreen(t, 800, 600);
-  EXPECT_EQ(t.X, 0);
-  EXPECT_EQ(t.Y, 0);
 }
 
 TEST(Toolbar, EdgeSlidingBringsBackAToolbarThatHangsOff) {
