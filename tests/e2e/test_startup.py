@@ -36,7 +36,7 @@ class StartupTest(unittest.TestCase):
 
     def test_game_screen_is_sky_blue_and_esc_leaves_to_the_menu(self):
         game = self.game(settings=tk.DEFAULT_SETTINGS).start()
-        time.sleep(1.0)
+        game.wait_drawn()
         menu = game.screenshot("startup-menu")
         self.assertEqual(menu.count(SKY), 0)
         game.key("Return")  # "New Game"
@@ -55,11 +55,11 @@ class StartupTest(unittest.TestCase):
     def test_a_run_leaves_a_complete_settings_file(self):
         game = self.game()
         with open(game.path("Tumblekin.ini"), "w") as f:
-            f.write("[video]\nwidth = 640\nheight = 480\nwindow = 7\n[sound]\nenabled = 0\n"
+            f.write("[video]\nwidth = 640\nheight = 480\nwindow = 7\n\n[sound]\nenabled = 0\n\n"
                     "[network]\nRemoteServerAddress = 127.0.0.1\n")
         game.start()
         self.assertEqual(game.size(), (640, 480))
-        time.sleep(0.5)
+        game.wait_drawn()
         leave_through_menu(game)
         self.assertEqual(game.wait_exit(), 0)
         saved = game.settings()
@@ -79,7 +79,7 @@ class StartupTest(unittest.TestCase):
             first_before = f.read()
         game.start()
         self.assertEqual(game.size(), (640, 480))
-        time.sleep(0.5)
+        game.wait_drawn()
         leave_through_menu(game)
         self.assertEqual(game.wait_exit(), 0)
         with open(game.path("first.ini")) as f:

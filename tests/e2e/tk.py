@@ -235,6 +235,18 @@ class Game:
         self.focus()
         return self.window
 
+    def wait_drawn(self, timeout=30):
+        """Waits for the first drawn frame: the catalogues load before it, and
+        until then the window is black."""
+        deadline = time.time() + timeout
+        while time.time() < deadline:
+            shot = self.screenshot()
+            if shot.count((0, 0, 0)) < shot.width * shot.height // 2:
+                time.sleep(0.3)
+                return shot
+            time.sleep(0.2)
+        raise TimeoutError("the window stayed black")
+
     def focus(self):
         self.display.xdotool("windowfocus", "--sync", self.window, check=False)
 
