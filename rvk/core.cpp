@@ -382,9 +382,9 @@ void RVK_LogError(const char *format, ...) {
   va_end(args);
   FILE *log = std::fopen(ErrorLogName, "a");
   if (log == nullptr) {
-    allegro_message("RVK_LogError: RVK was unable to write the following error to the log file "
-                    "(the log file could not be opened):\n%s",
-                    text);
+    allegro_message(
+        "RVK_LogError: RVK was unable to write the following error to the log file (the log file could not be opened):\n%s",
+        text);
     return;
   }
   // Opened and closed for every entry, so an entry survives whatever follows.
