@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "tools/ms3dwriter/ms3dwriter.h"
@@ -24,57 +25,40 @@ struct ToolRun {
   std::string Out, Err;
 };
 
-std::string ReadAll(const std::string &path) {
-  std::string text;
-  FILE *f = std::fopen(path.c_str(), "rb");
-  if (!f) return text;
-  char buf[4096];
-  size_t n;
-  while ((n = std::fread(buf, 1, sizeof buf, f)) > 0) text.append(buf, n);
-  std::fclose(f);
-  return text;
-}
-
+// Runs the tool; stdout through a pipe, stderr through a file.
 ToolRun Info(const std::string &args) {
-  static std::string errPath = std::string("/tmp/ms3dinfo_err_") + std::to_string(getpid());
+  static const std::string errPath = "/tmp/ms3dinfo_err_" + std::to_string(getpid());
   ToolRun run;
-  std::string cmd = kTool + " " + args + " 2>" + errPath;
-  FILE *p = popen(cmd.c_str(), "r");
+  FILE *p = popen((kTool + " " + args + " 2>" + errPath).c_str(), "r");
   if (!p) return run;
   char buf[4096];
-  size_t n;
-  while ((n = std::fread(buf, 1, sizeof buf, p)) > 0) run.Out.append(buf, n);
+  for (size_t n; (n = std::fread(buf, 1, sizeof buf, p)) > 0;) run.Out.append(buf, n);
   int status = pclose(p);
   run.Status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  run.Err = ReadAll(errPath);
+  if (FILE *f = std::fopen(errPath.c_str(), "rb")) {
+    for (size_t n; (n = std::fread(buf, 1, sizeof buf, f)) > 0;) run.Err.append(buf, n);
+    std::fclose(f);
+  }
   std::remove(errPath.c_str());
   return run;
 }
 
-// The numbers of the array that follows "key": in the output.
-std::vector<double> Numbers(const std::string &json, const std::string &key, size_t count) {
-  std::vector<double> values;
+// Checks the numbers of the array that follows "key": in the output.
+void ExpectNumbers(const std::string &json, const std::string &key, const std::vector<double> &want) {
+  std::vector<double> got;
   size_t at = json.find("\"" + key + "\": ");
-  if (at == std::string::npos) return values;
-  const char *s = json.c_str() + at + key.size() + 4;
-  while (values.size() < count && *s) {
+  for (const char *s = at == std::string::npos ? "" : json.c_str() + at + key.size() + 4; got.size() < want.size() && *s;) {
     if (*s == '-' || (*s >= '0' && *s <= '9')) {
       char *end;
-      values.push_back(std::strtod(s, &end));
+      got.push_back(std::strtod(s, &end));
       s = end;
     } else {
       s++;
     }
   }
-  return values;
-}
-
-void ExpectNear(const std::vector<double> &got, const std::vector<double> &want, const char *what) {
-  ASSERT_EQ(got.size(), want.size()) << what;
-  for (size_t i = 0; i < want.size(); i++) {
-    double tol = 1e-5 * std::max(1.0, std::abs(want[i]));
-    EXPECT_NEAR(got[i], want[i], tol) << what << " " << i;
-  }
+  ASSERT_EQ(got.size(), want.size()) << key;
+  for (size_t i = 0; i < want.size(); i++)
+    EXPECT_NEAR(got[i], want[i], 1e-5 * std::max(1.0, std::abs(want[i]))) << key << " " << i;
 }
 
 }  // namespace
@@ -96,41 +80,37 @@ TEST(Ms3dInfo, ThirdPartyModels) {
     ToolRun r = Info(std::string(TK_SHARED_DIR) + "/ms3d/" + c.File);
     ASSERT_EQ(r.Status, 0) << c.File << r.Err;
     const std::string &j = r.Out;
-    EXPECT_NE(j.find("\"vertices\": " + std::to_string(c.Vertices) + ",\n"), std::string::npos) << c.File;
-    EXPECT_NE(j.find("\"triangles\": " + std::to_string(c.Triangles) + ",\n"), std::string::npos);
-    EXPECT_NE(j.find("\"groups\": " + std::to_string(c.Groups) + ",\n"), std::string::npos);
-    EXPECT_NE(j.find("\"materials\": " + std::to_string(c.Materials) + ",\n"), std::string::npos);
-    EXPECT_NE(j.find("\"joints\": 0,\n"), std::string::npos);
-    EXPECT_NE(j.find(std::string("\"textures\": ") + c.Textures + ",\n"), std::string::npos) << j;
-    EXPECT_NE(j.find("\"joint_list\": [],\n"), std::string::npos);
-    ExpectNear(Numbers(j, "size", 3), c.Size, "size");
-    ExpectNear(Numbers(j, "centre_offset", 3), c.Offset, "centre_offset");
-    ExpectNear(Numbers(j, "half_size", 3), {c.Size[0] / 2, c.Size[1] / 2, c.Size[2] / 2}, "half_size");
-    ExpectNear(Numbers(j, "bounds_max", 3), {c.Size[0] / 2, c.Size[1] / 2, c.Size[2] / 2}, "bounds_max");
+    for (const std::string &line :
+         {"\"vertices\": " + std::to_string(c.Vertices), "\"triangles\": " + std::to_string(c.Triangles),
+          "\"groups\": " + std::to_string(c.Groups), "\"materials\": " + std::to_string(c.Materials),
+          std::string("\"joints\": 0"), std::string("\"textures\": ") + c.Textures, std::string("\"joint_list\": []")})
+      EXPECT_NE(j.find(line + ",\n"), std::string::npos) << c.File << " " << line;
+    ExpectNumbers(j, "size", c.Size);
+    ExpectNumbers(j, "centre_offset", c.Offset);
+    ExpectNumbers(j, "half_size", {c.Size[0] / 2, c.Size[1] / 2, c.Size[2] / 2});
+    ExpectNumbers(j, "bounds_max", {c.Size[0] / 2, c.Size[1] / 2, c.Size[2] / 2});
     EXPECT_EQ(j.find("\"frame\""), std::string::npos);
   }
   // The spheres carry a vertex section of a sub-version the reader doesn't
   // know, so the bytes after it are taken as the following sub-versions.
-  ToolRun r = Info(std::string(TK_SHARED_DIR) + "/ms3d/twospheres.ms3d");
-  EXPECT_NE(r.Out.find("\"sections\": {\"comments\": 1, \"vertex_extra\": 3, "), std::string::npos) << r.Out;
-  r = Info(std::string(TK_SHARED_DIR) + "/ms3d/jeep1.ms3d");
-  EXPECT_NE(r.Out.find("\"sections\": {},\n  \"animation_fps\": 1,\n  \"current_time\": "), std::string::npos);
+  EXPECT_NE(Info(std::string(TK_SHARED_DIR) + "/ms3d/twospheres.ms3d")
+                .Out.find("\"sections\": {\"comments\": 1, \"vertex_extra\": 3, "),
+            std::string::npos);
+  EXPECT_NE(Info(std::string(TK_SHARED_DIR) + "/ms3d/jeep1.ms3d").Out.find("\"sections\": {},\n  \"animation_fps\": 1,\n  \"current_time\": "), std::string::npos);
 }
 
 TEST(Ms3dInfo, AnimatedModelAtAFrameAndRefusedFiles) {
   MS3DWriter w;
   for (float x : {0.0f, 4.0f}) {
-    msVertex v;
+    msVertex &v = w.Vertices.emplace_back();
     v.Position[0] = x;
     v.Position[1] = 2;
     v.BoneId = 0;
-    w.Vertices.push_back(v);
   }
-  msTriangle t;
+  msTriangle &t = w.Triangles.emplace_back();
   t.VertexIndices[1] = 1;
   t.VertexIndices[2] = 7;  // no such vertex
   t.VertexNormals[0][0] = 1;
-  w.Triangles.push_back(t);
   std::strcpy(w.Materials.emplace_back().Texture, "a\"b.tga");
   msJoint root;
   std::strcpy(root.Name, "ro\\ot");
@@ -138,10 +118,9 @@ TEST(Ms3dInfo, AnimatedModelAtAFrameAndRefusedFiles) {
   root.PositionKeys.push_back({1.0f, {0, 10, 0}});
   root.RotationKeys.push_back({0.0f, {0, 0, 1.57079633f}});
   w.Joints.push_back(root);
-  msJoint leaf;
+  msJoint &leaf = w.Joints.emplace_back();
   std::strcpy(leaf.Name, "leaf");
   std::strcpy(leaf.ParentName, "ro\\ot");
-  w.Joints.push_back(leaf);
   w.AnimationFps = 10;
   w.CommentsSubVersion = 1;
   w.VertexExtraSubVersion = 1;
@@ -160,31 +139,29 @@ TEST(Ms3dInfo, AnimatedModelAtAFrameAndRefusedFiles) {
       << j;
   EXPECT_NE(j.find("{\"name\": \"leaf\", \"parent_index\": 0, \"rotation_keys\": 0, \"position_keys\": 0}"),
             std::string::npos);
-  ExpectNear(Numbers(j, "centre_offset", 3), {-2, -2, 0}, "centre_offset");
+  ExpectNumbers(j, "centre_offset", {-2, -2, 0});
   EXPECT_NE(j.find("\"frame\": 10,\n"), std::string::npos);
   // Centred, the vertices are (-2, 0, 0) and (2, 0, 0), and the root joint
   // moved to (-2, -2, 0). At frame 10 (1 s at 10 fps) it has risen by 10 and
   // turned a quarter about Z: offsets (0, 2) and (4, 2) from the joint become
   // (-2, 0) and (-2, 4) from (-2, 8).
-  ExpectNear(Numbers(j, "transformed_vertices", 6), {-4, 8, 0, -4, 12, 0}, "transformed_vertices");
-  ExpectNear(Numbers(j, "transformed_normals", 6), {0, 1, 0, 0, 0, 0}, "transformed_normals");
+  ExpectNumbers(j, "transformed_vertices", {-4, 8, 0, -4, 12, 0});
+  ExpectNumbers(j, "transformed_normals", {0, 1, 0, 0, 0, 0});
   EXPECT_NE(j.find("\"transformed_normals\": [[["), std::string::npos);
   EXPECT_NE(j.find("], null]]\n}"), std::string::npos) << j;
 
   // The bind pose: stored (centred) positions.
-  r = Info(path + " --frame -1");
-  ExpectNear(Numbers(r.Out, "transformed_vertices", 6), {-2, 0, 0, 2, 0, 0}, "bind pose");
+  ExpectNumbers(Info(path + " --frame -1").Out, "transformed_vertices", {-2, 0, 0, 2, 0, 0});
 
   std::vector<uint8_t> bytes = w.Encode();
   bytes[13] = 1;  // version 0x01000004
   FILE *f = std::fopen(path.c_str(), "wb");
+  ASSERT_NE(f, nullptr);
   std::fwrite(bytes.data(), 1, bytes.size(), f);
   std::fclose(f);
   r = Info(path);
-  EXPECT_EQ(r.Status, 1);
-  EXPECT_EQ(r.Out, "");
-  EXPECT_EQ(r.Err, "ms3dinfo: unable to load model from " + path + "\n");
-  r = Info(path + ".missing");
-  EXPECT_EQ(r.Status, 1);
+  EXPECT_EQ(std::make_tuple(r.Status, r.Out, r.Err),
+            std::make_tuple(1, std::string(), "ms3dinfo: unable to load model from " + path + "\n"));
+  EXPECT_EQ(Info(path + ".missing").Status, 1);
   std::remove(path.c_str());
 }

@@ -4,6 +4,8 @@
 
 #include <cmath>
 #include <cstring>
+#include <tuple>
+#include <vector>
 
 #include "model/mathlib.h"
 #include "model/modelclass.h"
@@ -19,21 +21,23 @@ void ExpectVec(const float *v, float x, float y, float z, float tol = 1e-5f) {
   EXPECT_NEAR(v[2], z, tol);
 }
 
+void ExpectQuat(const float *got, const float *want) {
+  for (int i = 0; i < 4; i++) EXPECT_NEAR(got[i], want[i], 1e-6) << i;
+}
+
 msJoint Joint(const char *name, const char *parent, float px, float py, float pz) {
   msJoint j;
   std::strcpy(j.Name, name);
   std::strcpy(j.ParentName, parent);
-  j.Position[0] = px;
-  j.Position[1] = py;
-  j.Position[2] = pz;
+  const float at[3] = {px, py, pz};
+  std::memcpy(j.Position, at, sizeof at);
   return j;
 }
 
 msVertex Vertex(float x, float y, float z, int8_t bone) {
   msVertex v;
-  v.Position[0] = x;
-  v.Position[1] = y;
-  v.Position[2] = z;
+  const float at[3] = {x, y, z};
+  std::memcpy(v.Position, at, sizeof at);
   v.BoneId = bone;
   return v;
 }
@@ -62,10 +66,7 @@ TEST(ModelMaths, AnglesMatricesAndQuaternionsAgree) {
   for (int r = 0; r < 3; r++)
     for (int c = 0; c < 4; c++) EXPECT_EQ(m[r][c], r == c ? 1.0f : 0.0f);
   AngleQuaternion(zero, q);
-  EXPECT_EQ(q[0], 0.0f);
-  EXPECT_EQ(q[1], 0.0f);
-  EXPECT_EQ(q[2], 0.0f);
-  EXPECT_EQ(q[3], 1.0f);
+  EXPECT_EQ(std::vector<float>(q, q + 4), (std::vector<float>{0, 0, 0, 1}));
 
   const float angles[][3] = {{0.3f, -0.7f, 1.1f}, {kPi / 2, 0, 0}, {0, 0, kPi / 2}, {-2.0f, 0.4f, 2.9f}};
   for (const auto &a : angles) {
@@ -94,20 +95,15 @@ TEST(ModelMaths, ConcatTransformsAppliesSecondThenFirst) {
   float b[3][4] = {{1, 0, 0, 4}, {0, 1, 0, 5}, {0, 0, 1, 6}};
   float out[3][4];
   ConcatTransforms(a, b, out);
-  EXPECT_EQ(out[0][3], 5.0f);
-  EXPECT_EQ(out[1][3], 7.0f);
-  EXPECT_EQ(out[2][3], 9.0f);
+  EXPECT_EQ(std::make_tuple(out[0][3], out[1][3], out[2][3]), std::make_tuple(5.0f, 7.0f, 9.0f));
   // A quarter turn about Z with a shift along X, after a shift along X:
   // the second shift is turned onto Y.
   float turn[3][4] = {{0, -1, 0, 1}, {1, 0, 0, 0}, {0, 0, 1, 0}};
   float shift[3][4] = {{1, 0, 0, 1}, {0, 1, 0, 0}, {0, 0, 1, 0}};
   ConcatTransforms(turn, shift, out);
-  EXPECT_EQ(out[0][3], 1.0f);
-  EXPECT_EQ(out[1][3], 1.0f);
-  EXPECT_EQ(out[0][1], -1.0f);
+  EXPECT_EQ(std::make_tuple(out[0][3], out[1][3], out[0][1]), std::make_tuple(1.0f, 1.0f, -1.0f));
   ConcatTransforms(shift, turn, out);
-  EXPECT_EQ(out[0][3], 2.0f);
-  EXPECT_EQ(out[1][3], 0.0f);
+  EXPECT_EQ(std::make_tuple(out[0][3], out[1][3]), std::make_tuple(2.0f, 0.0f));
 }
 
 TEST(ModelMaths, SlerpBranches) {
@@ -116,40 +112,35 @@ TEST(ModelMaths, SlerpBranches) {
   AngleQuaternion(a04, p);
   AngleQuaternion(a10, q);
   AngleQuaternion(a07, mid);
-  QuaternionSlerp(p, q, 0.0f, out);
-  for (int i = 0; i < 4; i++) EXPECT_NEAR(out[i], p[i], 1e-6);
-  QuaternionSlerp(p, q, 1.0f, out);
-  for (int i = 0; i < 4; i++) EXPECT_NEAR(out[i], q[i], 1e-6);
-  QuaternionSlerp(p, q, 0.5f, out);
-  for (int i = 0; i < 4; i++) EXPECT_NEAR(out[i], mid[i], 1e-6);
+  const float *want[3] = {p, q, mid}, at[3] = {0, 1, 0.5f};
+  for (int k = 0; k < 3; k++) {
+    QuaternionSlerp(p, q, at[k], out);
+    ExpectQuat(out, want[k]);
+  }
 
   // The longer way round is turned into the shorter one by negating q.
   float negq[4] = {-q[0], -q[1], -q[2], -q[3]};
   QuaternionSlerp(p, negq, 0.5f, out);
-  for (int i = 0; i < 4; i++) {
-    EXPECT_EQ(negq[i], q[i]);
-    EXPECT_NEAR(out[i], mid[i], 1e-6);
-  }
+  ExpectQuat(out, mid);
   QuaternionSlerp(p, negq, 1.0f, out);
-  for (int i = 0; i < 4; i++) EXPECT_NEAR(out[i], q[i], 1e-6);
+  ExpectQuat(out, q);
+  // The flip is made in the caller's quaternion.
+  EXPECT_EQ(std::vector<float>(negq, negq + 4), std::vector<float>(q, q + 4));
 
   // A quaternion and its own negative: q flips, and the almost-equal branch
   // gives p without dividing by zero. Identical ones do the same.
   float negp[4] = {-p[0], -p[1], -p[2], -p[3]};
   QuaternionSlerp(p, negp, 0.3f, out);
-  for (int i = 0; i < 4; i++) EXPECT_NEAR(out[i], p[i], 1e-6);
+  ExpectQuat(out, p);
   float same[4] = {p[0], p[1], p[2], p[3]};
   QuaternionSlerp(p, same, 0.3f, out);
-  for (int i = 0; i < 4; i++) EXPECT_NEAR(out[i], p[i], 1e-6);
+  ExpectQuat(out, p);
 
   // cosom exactly 1.0 fails the strict test: the linear blend is used (the
   // sine branch would divide by sin(0)).
   float unit[4] = {0, 0, 0, 1}, stretched[4] = {0, 0, 0.5f, 1};
   QuaternionSlerp(unit, stretched, 0.5f, out);
-  EXPECT_EQ(out[0], 0.0f);
-  EXPECT_EQ(out[1], 0.0f);
-  EXPECT_EQ(out[2], 0.25f);
-  EXPECT_EQ(out[3], 1.0f);
+  EXPECT_EQ(std::vector<float>(out, out + 4), (std::vector<float>{0, 0, 0.25f, 1}));
 
   // The opposite branch: both distance sums overflow to infinity, so q is
   // not negated, and cosom is -infinity. The result turns p through the
@@ -166,15 +157,10 @@ TEST(ModelMaths, SlerpBranches) {
 
 TEST(ModelSkeleton, TangentsCloseTheLoopOfPositionKeys) {
   msModel m;
-  msJoint j = Joint("j", "", 0, 0, 0);
-  j.PositionKeys = {{0, {0, 0, 0}}, {10, {10, 0, 0}}, {30, {0, 20, 0}}};
-  m.Joints.push_back(j);
-  msJoint two = Joint("two", "", 0, 0, 0);
-  two.PositionKeys = {{0, {0, 0, 0}}, {10, {10, 0, 0}}};
-  m.Joints.push_back(two);
-  msJoint same = Joint("same", "", 0, 0, 0);
-  same.PositionKeys = {{0, {0, 0, 0}}, {5, {1, 1, 1}}, {0, {4, 0, 0}}};
-  m.Joints.push_back(same);
+  const std::vector<msKeyframe> keys[3] = {{{0, {0, 0, 0}}, {10, {10, 0, 0}}, {30, {0, 20, 0}}},
+                                           {{0, {0, 0, 0}}, {10, {10, 0, 0}}},
+                                           {{0, {0, 0, 0}}, {5, {1, 1, 1}}, {0, {4, 0, 0}}}};
+  for (const auto &k : keys) m.Joints.emplace_back(Joint("j", "", 0, 0, 0)).PositionKeys = k;
   m.SetupJoints();
 
   const std::vector<msTangent> &t = m.Joints[0].Tangents;
