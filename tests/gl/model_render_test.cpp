@@ -10,6 +10,7 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "model/modelclass.h"
 #include "support/gl_env.h"
@@ -113,6 +114,33 @@ void BeginScene(bool lit) {
 }
 
 TkPixel Px(float x, float y) { return TkReadPixel(400 + static_cast<int>(x * 100), 300 - static_cast<int>(y * 100)); }
+
+// GL state read back as one int.
+int GetInt(GLenum what) {
+  GLint i = 0;
+  glGetIntegerv(what, &i);
+  return i;
+}
+
+float GetFloat(GLenum what, int at = 0) {
+  GLfloat f[4] = {0, 0, 0, 0};
+  glGetFloatv(what, f);
+  return f[at];
+}
+
+float GetMaterial(GLenum face, GLenum what, int at) {
+  GLfloat f[4] = {0, 0, 0, 0};
+  glGetMaterialfv(face, what, f);
+  return f[at];
+}
+
+// Which of depth writes, alpha test, blending, 2D textures, sphere-mapped S
+// and T, depth test and two-sided lighting are on.
+std::vector<int> Switches() {
+  return {GetInt(GL_DEPTH_WRITEMASK), glIsEnabled(GL_ALPHA_TEST), glIsEnabled(GL_BLEND), glIsEnabled(GL_TEXTURE_2D),
+          glIsEnabled(GL_TEXTURE_GEN_S), glIsEnabled(GL_TEXTURE_GEN_T), glIsEnabled(GL_DEPTH_TEST),
+          GetInt(GL_LIGHT_MODEL_TWO_SIDE)};
+}
 
 const TkPixel kBlack{0, 0, 0};
 const TkPixel kWhite{255, 255, 255};
@@ -237,83 +265,44 @@ TEST(ModelRender, MaterialStateLeftBehind) {
   ModelClass model;
   ASSERT_TRUE(model.Load(Save(w, "state.ms3d").c_str()));
 
-  GLint i;
-  GLboolean b;
-  GLfloat f[4];
   glDepthMask(GL_TRUE);
+  glEnable(GL_DEPTH_TEST);
   // Blended, mode 0: depth writes off and alpha test on; an opaque material
-  // after it leaves both as they are.
+  // after it leaves both as they are. Texturing is on for every material,
+  // bound to no texture where it has none.
   model.SetupMaterial(0);
-  glGetBooleanv(GL_DEPTH_WRITEMASK, &b);
-  EXPECT_EQ(b, GL_FALSE);
-  EXPECT_TRUE(glIsEnabled(GL_ALPHA_TEST));
-  EXPECT_TRUE(glIsEnabled(GL_BLEND));
-  glGetIntegerv(GL_BLEND_SRC, &i);
-  EXPECT_EQ(i, GL_SRC_ALPHA);
-  glGetIntegerv(GL_ALPHA_TEST_FUNC, &i);
-  EXPECT_EQ(i, GL_GREATER);
-  glGetFloatv(GL_CURRENT_COLOR, f);
-  EXPECT_EQ(f[3], 0.5f);
-  glGetIntegerv(GL_LIGHT_MODEL_TWO_SIDE, &i);
-  EXPECT_EQ(i, 1);
+  EXPECT_EQ(Switches(), (std::vector<int>{0, 1, 1, 1, 0, 0, 1, 1}));
+  EXPECT_EQ(std::make_tuple(GetInt(GL_BLEND_SRC), GetInt(GL_ALPHA_TEST_FUNC), GetFloat(GL_CURRENT_COLOR, 3)),
+            std::make_tuple(GL_SRC_ALPHA, GL_GREATER, 0.5f));
   model.SetupMaterial(1);
-  glGetBooleanv(GL_DEPTH_WRITEMASK, &b);
-  EXPECT_EQ(b, GL_FALSE);
-  EXPECT_TRUE(glIsEnabled(GL_ALPHA_TEST));
-  EXPECT_FALSE(glIsEnabled(GL_BLEND));
-  EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
-  EXPECT_TRUE(glIsEnabled(GL_TEXTURE_GEN_S));
-  EXPECT_TRUE(glIsEnabled(GL_TEXTURE_GEN_T));
-  glGetTexGeniv(GL_T, GL_TEXTURE_GEN_MODE, &i);
-  EXPECT_EQ(i, GL_SPHERE_MAP);
-  glGetIntegerv(GL_LIGHT_MODEL_TWO_SIDE, &i);
-  EXPECT_EQ(i, 0);
-  glGetMaterialfv(GL_FRONT, GL_AMBIENT, f);
-  EXPECT_EQ(f[1], 0.3f);
-  EXPECT_EQ(f[3], 1.0f);
-  glGetMaterialfv(GL_BACK, GL_SHININESS, f);
-  EXPECT_EQ(f[0], 7.0f);
+  EXPECT_EQ(Switches(), (std::vector<int>{0, 1, 0, 1, 1, 1, 1, 0}));
+  GLint mode = 0;
+  glGetTexGeniv(GL_T, GL_TEXTURE_GEN_MODE, &mode);
+  EXPECT_EQ(std::make_tuple(mode, GetMaterial(GL_FRONT, GL_AMBIENT, 1), GetMaterial(GL_FRONT, GL_AMBIENT, 3),
+                            GetMaterial(GL_BACK, GL_SHININESS, 0)),
+            std::make_tuple(GL_SPHERE_MAP, 0.3f, 1.0f, 7.0f));
 
   // Mode 2 writes depth and tests alpha against AlphaRef; mode 1 does neither.
   model.Model->TransparencyMode = 2;
   model.Model->AlphaRef = 0.25f;
   model.SetupMaterial(0);
-  glGetBooleanv(GL_DEPTH_WRITEMASK, &b);
-  EXPECT_EQ(b, GL_TRUE);
-  glGetFloatv(GL_ALPHA_TEST_REF, f);
-  EXPECT_EQ(f[0], 0.25f);
+  EXPECT_EQ(std::make_tuple(GetInt(GL_DEPTH_WRITEMASK), GetFloat(GL_ALPHA_TEST_REF)), std::make_tuple(1, 0.25f));
   model.SetupMaterial(-1);
   glDepthMask(GL_FALSE);
   model.Model->TransparencyMode = 1;
   model.SetupMaterial(0);
-  glGetBooleanv(GL_DEPTH_WRITEMASK, &b);
-  EXPECT_EQ(b, GL_FALSE);
-  EXPECT_FALSE(glIsEnabled(GL_ALPHA_TEST));
+  EXPECT_EQ(std::make_tuple(GetInt(GL_DEPTH_WRITEMASK), glIsEnabled(GL_ALPHA_TEST)), std::make_tuple(0, GLboolean(0)));
 
   // The compiled list ends in the default state; the two-sided lighting of
   // the last material stays.
   glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, 1);
   BeginScene(true);
   model.Draw(0, 0, 0, 0, 0, 0);
-  glGetBooleanv(GL_DEPTH_WRITEMASK, &b);
-  EXPECT_EQ(b, GL_TRUE);
-  EXPECT_FALSE(glIsEnabled(GL_ALPHA_TEST));
-  EXPECT_FALSE(glIsEnabled(GL_TEXTURE_GEN_S));
-  EXPECT_FALSE(glIsEnabled(GL_TEXTURE_GEN_T));
-  EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D));
-  EXPECT_FALSE(glIsEnabled(GL_BLEND));
-  EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST));
-  glGetIntegerv(GL_TEXTURE_BINDING_2D, &i);
-  EXPECT_EQ(i, 0);
-  glGetIntegerv(GL_LIGHT_MODEL_TWO_SIDE, &i);
-  EXPECT_EQ(i, 0);
-  glGetMaterialfv(GL_FRONT, GL_AMBIENT, f);
-  EXPECT_EQ(f[0], 0.2f);
-  glGetMaterialfv(GL_BACK, GL_DIFFUSE, f);
-  EXPECT_EQ(f[0], 0.8f);
-  EXPECT_EQ(f[3], 1.0f);
-  glGetFloatv(GL_CURRENT_COLOR, f);
-  EXPECT_EQ(f[3], 1.0f);
+  EXPECT_EQ(Switches(), (std::vector<int>{1, 0, 0, 0, 0, 0, 1, 0}));
+  EXPECT_EQ(std::make_tuple(GetInt(GL_TEXTURE_BINDING_2D), GetMaterial(GL_FRONT, GL_AMBIENT, 0),
+                            GetMaterial(GL_BACK, GL_DIFFUSE, 0), GetMaterial(GL_BACK, GL_DIFFUSE, 3),
+                            GetFloat(GL_CURRENT_COLOR, 3)),
+            std::make_tuple(0, 0.2f, 0.8f, 1.0f, 1.0f));
   model.Unload();
 }
 

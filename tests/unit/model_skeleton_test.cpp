@@ -200,15 +200,11 @@ TEST(ModelSkeleton, JointsPoseRelativeToBindAndParent) {
   root.Rotation[2] = kPi / 2;
   root.RotationKeys = {{0, {0, 0, 0}}, {10, {0, 0, kPi / 2}}};
   m.Joints.push_back(root);
-  msJoint child = Joint("child", "root", 1, 0, 0);
-  child.PositionKeys = {{4, {0, 0, 2}}};
-  m.Joints.push_back(child);
-  msJoint bare = Joint("bare", "nobody", 3, 4, 5);
-  m.Joints.push_back(bare);
+  m.Joints.emplace_back(Joint("child", "root", 1, 0, 0)).PositionKeys = {{4, {0, 0, 2}}};
+  m.Joints.push_back(Joint("bare", "nobody", 3, 4, 5));
   m.SetupJoints();
-  EXPECT_EQ(m.Joints[0].ParentIndex, -1);
-  EXPECT_EQ(m.Joints[1].ParentIndex, 0);
-  EXPECT_EQ(m.Joints[2].ParentIndex, -1);
+  EXPECT_EQ(std::make_tuple(m.Joints[0].ParentIndex, m.Joints[1].ParentIndex, m.Joints[2].ParentIndex),
+            std::make_tuple(-1, 0, -1));
   // The child's bind position is turned by its parent.
   EXPECT_NEAR(m.Joints[1].GlobalSkeleton[0][3], 1.0f, 1e-6);
   EXPECT_NEAR(m.Joints[1].GlobalSkeleton[1][3], 1.0f, 1e-6);
@@ -234,13 +230,8 @@ TEST(ModelSkeleton, JointsPoseRelativeToBindAndParent) {
 
 TEST(ModelSkeleton, VertexWeightsAndBoneCounts) {
   msModel m;
-  const float shifts[3][3] = {{10, 0, 0}, {0, 10, 0}, {0, 0, 10}};
-  const char *names[3] = {"a", "b", "c"};
-  for (int i = 0; i < 3; i++) {
-    msJoint j = Joint(names[i], "", 0, 0, 0);
-    j.PositionKeys = {{0, {shifts[i][0], shifts[i][1], shifts[i][2]}}};
-    m.Joints.push_back(j);
-  }
+  for (msKeyframe shift : {msKeyframe{0, {10, 0, 0}}, msKeyframe{0, {0, 10, 0}}, msKeyframe{0, {0, 0, 10}}})
+    m.Joints.emplace_back(Joint("j", "", 0, 0, 0)).PositionKeys = {shift};
   m.SetupJoints();
   m.SetFrame(0);
 
@@ -266,10 +257,8 @@ TEST(ModelSkeleton, VertexWeightsAndBoneCounts) {
     std::memcpy(v.BoneWeights, c.Weights, 3);
     int bones[4], weights[4];
     m.GetVertexBonesAndWeights(v, bones, weights);
-    for (int k = 0; k < 4; k++) {
-      EXPECT_EQ(bones[k], c.Bones[k]) << int(c.BoneId) << " " << k;
-      EXPECT_EQ(weights[k], c.Percent[k]) << int(c.BoneId) << " " << k;
-    }
+    EXPECT_EQ(std::vector<int>(bones, bones + 4), std::vector<int>(c.Bones, c.Bones + 4)) << int(c.BoneId);
+    EXPECT_EQ(std::vector<int>(weights, weights + 4), std::vector<int>(c.Percent, c.Percent + 4)) << int(c.BoneId);
     float out[3];
     m.TransformVertex(v, out);
     ExpectVec(out, c.Expect[0], c.Expect[1], c.Expect[2]);
@@ -283,12 +272,8 @@ TEST(ModelSkeleton, VertexWeightsAndBoneCounts) {
 
 TEST(ModelSkeleton, VerticesAndNormalsLeaveTheBindPoseThroughTheJoint) {
   msModel m;
-  msJoint turned = Joint("turned", "", 0, 0, 0);
-  turned.Rotation[2] = kPi / 2;
-  m.Joints.push_back(turned);
-  msJoint spin = Joint("spin", "", 2, 0, 0);
-  spin.RotationKeys = {{0, {0, 0, kPi / 2}}};
-  m.Joints.push_back(spin);
+  m.Joints.emplace_back(Joint("turned", "", 0, 0, 0)).Rotation[2] = kPi / 2;
+  m.Joints.emplace_back(Joint("spin", "", 2, 0, 0)).RotationKeys = {{0, {0, 0, kPi / 2}}};
   m.SetupJoints();
   m.SetFrame(0);
   // A joint at rest gives back the vertex, whatever its bind rotation.
