@@ -13,6 +13,7 @@ trap 'rm -rf "$stage"' EXIT
 "$build/tools/content/make_content" "$stage"
 rm -rf "$here/data"
 cp -r "$stage/data" "$here/data"
+cp "$stage/Tumblekin.txt" "$here/Tumblekin.txt"
 if [ -f "$here/tools/thumbnails/CMakeLists.txt" ]; then
   cmake --build "$build" --target make_thumbnails -j2
   (cd "$here" && "$here/tests/support/xvfb-run.sh" "$build/tools/thumbnails/make_thumbnails" data)

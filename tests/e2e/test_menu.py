@@ -19,7 +19,7 @@ class MenuTest(unittest.TestCase):
 
     def test_help_esc_back_and_exit(self):
         game = self.game.start()
-        time.sleep(1.0)
+        game.wait_drawn()
         menu = game.screenshot("menu-01-main")
 
         game.key("Escape")  # does nothing on the main menu

@@ -62,5 +62,9 @@ Image MakeConnectingBadge();
 // A plain stand-in thumbnail, replaced by a rendered one later.
 Image MakePlaceholderThumb(int w, int h, const std::string &caption);
 
-// Writes everything under `root` (which gets data/ and its subdirectories).
+// The player's readme, listing the shipped characters and parts.
+std::string MakeReadme();
+
+// Writes everything under `root` (which gets Tumblekin.txt, and data/ with its
+// subdirectories).
 bool WriteContent(const std::string &root);

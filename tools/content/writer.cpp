@@ -120,6 +120,7 @@ bool WriteContent(const std::string &root) {
   std::string data = root + "/data";
   bool ok = MakeDir(root) && MakeDir(data) && MakeDir(data + "/sounds");
   if (!ok) return false;
+  ok = WriteText(root + "/Tumblekin.txt", MakeReadme()) && ok;
   ok = WriteBodies(data) && ok;
   for (const Catalogue &cat : MakeParts()) ok = WritePartCatalogue(data, cat) && ok;
   ok = MakeMenuBack().SaveTGA(data + "/menuback.tga") && ok;
