@@ -162,10 +162,12 @@ static SetPartFunction SetPartOfReport(int32_t type) {
 static void ReportPlayerName(int number, int32_t id, const char *name) {
   GameClass &game = Game;
   game.Players[number].PlayerName = name;
-  std::string line = std::string(name) + " has joined the game";
-  RVK_Message("%s", line.c_str());
+  // A name from the wire is at most 255 characters, so the line always fits.
+  char line[300];
+  std::snprintf(line, sizeof line, "%s has joined the game", name);
+  RVK_Message("%s", line);
   RVK_SetLastMessageColour(White());
-  NP_SendPacket(NP_TO_ALL, 52, "%d,%d,%s", -1, White(), NP_EscapeText(line.c_str()).c_str());
+  NP_SendPacket(NP_TO_ALL, 52, "%d,%d,%s", -1, White(), NP_EscapeText(line).c_str());
   NP_SendPacket(NP_TO_ALL, 21, "%d,%s", id, NP_EscapeText(name).c_str());
 }
 
