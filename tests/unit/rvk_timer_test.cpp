@@ -2,60 +2,54 @@
 #include <gtest/gtest.h>
 #include <chrono>
 #include <thread>
+#include <tuple>
 #include "rvk/timer.h"
 
-static TimerClass TimerAt(int32_t clock) {
+// Steps the timer at `now` until it wants to wait; gives the frames let go.
+static int Frames(TimerClass &t, int32_t now, int rate) {
+  int frames = 0;
+  while (RVK_TimerStep(t, now, rate) && frames < 100) frames++;
+  return frames;
+}
+
+static TimerClass TimerAt(int32_t clock, float earned = 0, float spent = 0) {
   TimerClass t;
   t.LastClock = clock;
+  t.TicksEarned = earned;
+  t.TicksSpent = spent;
   return t;
 }
 
-TEST(Timer, ShortStallIsCaughtUpByFramesWithoutWaiting) {
+TEST(Timer, ShortStallsAreCaughtUpLongOnesForgivenBackwardsResets) {
   TimerClass t = TimerAt(1000);
-  EXPECT_FALSE(RVK_TimerStep(t, 1022, 45));  // 0.99 of a tick
-  EXPECT_TRUE(RVK_TimerStep(t, 1023, 45));   // 1.035 ticks
-  EXPECT_FLOAT_EQ(t.TicksSpent, 1.0f);
+  EXPECT_EQ(Frames(t, 1022, 45), 0);  // 0.99 of a tick
+  EXPECT_EQ(Frames(t, 1023, 45), 1);  // 1.035 ticks
   // A tenth of a second more: 4.5 ticks, owed one call at a time.
-  int answered = 0;
-  while (RVK_TimerStep(t, 1123, 45)) answered++;
-  EXPECT_EQ(answered, 4);
+  EXPECT_EQ(Frames(t, 1123, 45), 4);
   EXPECT_FLOAT_EQ(t.TicksSpent, 5.0f);
   EXPECT_NEAR(t.TicksEarned, 5.535f, 1e-4);
-}
 
-TEST(Timer, LongStallResetsAndFramesGoOnAtTheNormalRate) {
-  TimerClass t = TimerAt(0);
-  EXPECT_TRUE(RVK_TimerStep(t, 1000, 45));
-  EXPECT_EQ(t.LastClock, 1000);
-  EXPECT_EQ(t.TicksEarned, 0.0f);
-  EXPECT_EQ(t.TicksSpent, 0.0f);
-  EXPECT_FALSE(RVK_TimerStep(t, 1022, 45));
-  EXPECT_TRUE(RVK_TimerStep(t, 1023, 45));
-  EXPECT_FALSE(RVK_TimerStep(t, 1023, 45));
-}
-
-TEST(Timer, BoundariesOfTheRule) {
-  // At 1000 ticks a second one millisecond is one tick.
-  TimerClass t = TimerAt(0);
-  EXPECT_FALSE(RVK_TimerStep(t, 1, 1000));  // exactly one tick owed: wait
+  // A whole second: one frame at once, then the normal rate from there.
   t = TimerAt(0);
-  int answered = 0;
-  while (RVK_TimerStep(t, 5, 1000)) answered++;  // exactly five: caught up, not forgiven
-  EXPECT_EQ(answered, 4);
+  EXPECT_EQ(Frames(t, 1000, 45), 1);
+  EXPECT_EQ(std::make_tuple(t.LastClock, t.TicksEarned, t.TicksSpent), std::make_tuple(1000, 0.0f, 0.0f));
+  EXPECT_EQ(Frames(t, 1022, 45), 0);
+  EXPECT_EQ(Frames(t, 1023, 45), 1);
+
+  // At 1000 ticks a second: exactly one tick owed waits, exactly five are
+  // caught up, six are forgiven.
+  t = TimerAt(0);
+  EXPECT_EQ(Frames(t, 1, 1000), 0);
+  t = TimerAt(0);
+  EXPECT_EQ(Frames(t, 5, 1000), 4);
   EXPECT_EQ(t.TicksSpent, 4.0f);
   t = TimerAt(0);
-  EXPECT_TRUE(RVK_TimerStep(t, 6, 1000));  // six: forgiven
+  EXPECT_EQ(Frames(t, 6, 1000), 1);
   EXPECT_EQ(t.TicksSpent, 0.0f);
-}
 
-TEST(Timer, ClockGoingBackwardsResets) {
-  TimerClass t = TimerAt(1000);
-  t.TicksEarned = 3;
-  t.TicksSpent = 2;
-  EXPECT_FALSE(RVK_TimerStep(t, 900, 45));
-  EXPECT_EQ(t.LastClock, 900);
-  EXPECT_EQ(t.TicksEarned, 0.0f);
-  EXPECT_EQ(t.TicksSpent, 0.0f);
+  t = TimerAt(1000, 3, 2);
+  EXPECT_EQ(Frames(t, 900, 45), 0);
+  EXPECT_EQ(std::make_tuple(t.LastClock, t.TicksEarned, t.TicksSpent), std::make_tuple(900, 0.0f, 0.0f));
 }
 
 TEST(Timer, KeepsItsRateForHours) {
@@ -69,7 +63,7 @@ TEST(Timer, KeepsItsRateForHours) {
   EXPECT_NEAR(answered, 1620000, 50);
 }
 
-TEST(TimeStamp, HundredthsAndElapsed) {
+TEST(TimeStamp, HundredthsElapsedEitherWayAndTheRealClocks) {
   TimeStampClass a;
   a.Day = 31, a.Month = 12, a.Year = 2024;
   a.Hour = 23, a.Minute = 59, a.Second = 59, a.Hundredths = 99;
@@ -80,21 +74,16 @@ TEST(TimeStamp, HundredthsAndElapsed) {
   TimeStampClass stamp, now;
   stamp.Hour = 10, stamp.Minute = 0, stamp.Second = 0, stamp.Hundredths = 0;
   now = stamp;
-  now.Hundredths = 49;
-  EXPECT_FALSE(RVK_TimeElapsedAt(stamp, now, 50));
-  EXPECT_EQ(stamp.Hundredths, 0);
-  now.Hundredths = 50;
-  EXPECT_TRUE(RVK_TimeElapsedAt(stamp, now, 50));
-  EXPECT_EQ(stamp.Hundredths, 50);
-  // The difference counts either way round.
-  now.Hundredths = 0;
-  EXPECT_TRUE(RVK_TimeElapsedAt(stamp, now, 50));
-  EXPECT_EQ(stamp.Hundredths, 0);
-}
+  // Each answer and where the stamp stands after it; the difference counts
+  // either way round.
+  const int steps[][3] = {{49, false, 0}, {50, true, 50}, {0, true, 0}};
+  for (const auto &s : steps) {
+    now.Hundredths = s[0];
+    EXPECT_EQ(RVK_TimeElapsedAt(stamp, now, 50), s[1] != 0) << s[0];
+    EXPECT_EQ(stamp.Hundredths, s[2]) << s[0];
+  }
 
-TEST(TimeStamp, ClocksMeasureElapsedTime) {
   int32_t before = RVK_Clock();
-  TimeStampClass stamp;
   RVK_GetTimeStamp(stamp);
   EXPECT_GE(stamp.Year, 2024);
   EXPECT_FALSE(RVK_TimeElapsed(stamp, 1000));
