@@ -9,6 +9,7 @@
 #include <unistd.h>
 #include <fstream>
 #include <string>
+#include <tuple>
 #include "app/config.h"
 #include "app/game.h"
 #include "character/catalogue.h"
@@ -17,11 +18,6 @@
 #include "tools/ms3dwriter/ms3dwriter.h"
 
 namespace {
-
-void WriteText(const std::string &path, const std::string &text) {
-  std::ofstream out(path);
-  out << text;
-}
 
 void WriteTga(const std::string &path, int r, int g, int b) {
   BITMAP *bmp = create_bitmap_ex(32, 16, 16);
@@ -37,9 +33,7 @@ void WriteModel(const std::string &path) {
   w.Vertices[1].Position[0] = 10;
   w.Vertices[2].Position[1] = 10;
   w.Triangles.resize(1);
-  w.Triangles[0].VertexIndices[0] = 0;
-  w.Triangles[0].VertexIndices[1] = 1;
-  w.Triangles[0].VertexIndices[2] = 2;
+  for (int k = 0; k < 3; k++) w.Triangles[0].VertexIndices[k] = (uint16_t)k;
   w.Groups.resize(1);
   w.Groups[0].TriangleIndices = {0};
   ASSERT_TRUE(w.Save(path.c_str()));
@@ -88,35 +82,19 @@ protected:
   }
   static std::string Entry(int cat, int n, const char *model, const char *thumb, const char *name) {
     std::string s = "[" + std::string(SECTIONS[cat]) + std::to_string(n) + "]\n";
-    if (model) s += IsPair(cat) ? std::string("LeftModel = ") + model + "\nRightModel = " + model + "\n"
-                                : std::string("model = ") + model + "\n";
-    if (thumb) s += std::string("thumb = ") + thumb + "\n";
+    s += IsPair(cat) ? std::string("LeftModel = ") + model + "\nRightModel = " + model + "\n"
+                     : std::string("model = ") + model + "\n";
+    s += std::string("thumb = ") + thumb + "\n";
     if (name) s += std::string("name = ") + name + "\n";
     return s;
   }
-  void WriteCatalogue(int cat, int count, const std::string &entries) {
-    WriteText(std::string("data/") + DIRS[cat] + ".ini",
-              "[info]\ncount = " + std::to_string(count) + "\n" + entries);
+  static void WriteCatalogue(int cat, int count, const std::string &entries) {
+    std::ofstream(std::string("data/") + DIRS[cat] + ".ini")
+        << "[info]\ncount = " << count << "\n" << entries;
   }
   std::string dir;
   char oldCwd[4096];
 };
-
-TEST_F(CatalogueTest, AFailingEntryStopsItsCatalogueOnly) {
-  // eyes1 lacks LeftModel: the path is the directory alone.
-  WriteCatalogue(1, 3, Entry(1, 0, "a.ms3d", "a.tga", "e0") + "[eyes1]\nRightModel = a.ms3d\n" +
-                           Entry(1, 2, "a.ms3d", "a.tga", "e2"));
-  ASSERT_TRUE(LoadGame(Game));
-  EXPECT_EQ(Game.Eyes.size(), 1u);
-  EXPECT_EQ(Game.Eyes[0].Name, "e0");
-  EXPECT_EQ(Game.LoadError, "Unable to load model from data/eyes/");
-  EXPECT_TRUE(ConsoleHas("Loaded 1 eyes"));
-  EXPECT_TRUE(ConsoleHas("Loaded 1 ears"));
-  EXPECT_TRUE(ConsoleHas("Loaded 1 hats"));
-  EXPECT_EQ(Game.EyesBar.Rows.size(), 2u);  // "No eyes" and e0
-  EXPECT_EQ(Game.Ears.size(), 1u);
-  EXPECT_EQ(Game.Hats.size(), 1u);
-}
 
 TEST_F(CatalogueTest, KeysDefaultsAndCounts) {
   // A body without name, camera Z or anchors; a scale and a target.
@@ -133,101 +111,87 @@ TEST_F(CatalogueTest, KeysDefaultsAndCounts) {
   ASSERT_TRUE(LoadGame(Game));
 
   ASSERT_EQ(Game.Characters.size(), 1u);
-  const CharacterEntry &body = Game.Characters[0];
-  EXPECT_EQ(body.Name, "(no name)");
-  EXPECT_FLOAT_EQ(body.Scale, 2.5f);
-  EXPECT_FLOAT_EQ(body.CameraPos[0], 0.0f);
-  EXPECT_FLOAT_EQ(body.CameraPos[2], -500.0f);
-  EXPECT_FLOAT_EQ(body.TargetPos[1], 40.0f);
-  EXPECT_FLOAT_EQ(body.Hat[1], 75.5f);
-  EXPECT_FLOAT_EQ(body.LeftFoot[0], -3.0f);
-  EXPECT_TRUE(body.Model.Loaded);
-  EXPECT_TRUE(body.Thumbnail.HasBitmap);
+  const CharacterEntry &b = Game.Characters[0];
+  EXPECT_EQ(std::make_tuple(b.Name, b.Scale, b.CameraPos[0], b.CameraPos[2], b.TargetPos[1], b.Hat[1], b.LeftFoot[0]),
+            std::make_tuple(std::string("(no name)"), 2.5f, 0.0f, -500.0f, 40.0f, 75.5f, -3.0f));
+  EXPECT_TRUE(b.Model.Loaded);
+  EXPECT_TRUE(b.Thumbnail.HasBitmap);
   EXPECT_EQ(Game.CharacterBar.Rows.size(), 1u);  // no "none" row for bodies
 
-  ASSERT_EQ(Game.Ears.size(), 2u);
-  EXPECT_TRUE(ConsoleHas("Loaded 2 ears"));
   // ear1's thumbnail is missing: the entry keeps its model and the default
   // icon, and the bar has no row for it.
+  ASSERT_EQ(Game.Ears.size(), 2u);
+  EXPECT_TRUE(ConsoleHas("Loaded 2 ears"));
   EXPECT_TRUE(Game.Ears[1].LeftModel.Loaded);
   EXPECT_EQ(Game.Ears[1].Thumbnail.TextureName, RVK_GetDefaultIcon().TextureName);
   EXPECT_EQ(Game.EarsBar.Rows.size(), 2u);
 
   ASSERT_EQ(Game.Noses.size(), 1u);
   EXPECT_EQ(Game.Noses[0].Name, "");
-
   ASSERT_EQ(Game.Eyebrows.size(), 1u);
   EXPECT_EQ(Game.Eyebrows[0].Name, "b0");
   EXPECT_EQ(Game.LoadError, "Unable to load model from data/eyebrows/missing.ms3d");
-
   ASSERT_EQ(Game.Hats.size(), 1u);
-  EXPECT_TRUE(Game.Hats[0].BackFaces);
-  EXPECT_FLOAT_EQ(Game.Hats[0].Offset[0], 1.5f);
-  EXPECT_FLOAT_EQ(Game.Hats[0].Offset[1], 0.0f);
-  EXPECT_FLOAT_EQ(Game.Hats[0].Offset[2], -2.0f);
-
-  // Bars: below the toolbar, down to the bottom, in their colours.
+  const HatEntry &h = Game.Hats[0];
+  EXPECT_EQ(std::make_tuple(h.BackFaces, h.Offset[0], h.Offset[1], h.Offset[2]),
+            std::make_tuple(true, 1.5f, 0.0f, -2.0f));
   EXPECT_EQ(Game.CharacterBar.BackgroundColour, makecol(151, 151, 151));
   EXPECT_EQ(Game.HatBar.BackgroundColour, makecol(51, 127, 178));
 }
 
-TEST_F(CatalogueTest, FailuresThatEndTheLoad) {
-  // The first body fails: no game.
-  WriteCatalogue(0, 2, "[character0]\nthumb = a.tga\n" + Entry(0, 1, "a.ms3d", "a.tga", "c1"));
-  EXPECT_FALSE(LoadGame(Game));
-  EXPECT_EQ(Game.LoadError, "No model specified for character0");
-  EXPECT_TRUE(Game.Characters.empty());
-
-  WriteCatalogue(0, 1, Entry(0, 0, "nothere.ms3d", "a.tga", "c0"));
-  EXPECT_FALSE(LoadGame(Game));
-  EXPECT_EQ(Game.LoadError, "Unable to load model from data/characters/nothere.ms3d");
-
-  // A later catalogue that is empty: the text, and nothing stays loaded.
-  WriteCatalogue(0, 1, Entry(0, 0, "a.ms3d", "a.tga", "c0"));
-  WriteCatalogue(3, 0, "");
-  EXPECT_FALSE(LoadGame(Game));
-  EXPECT_EQ(Game.LoadError, "No noses found in noses.ini");
-  EXPECT_TRUE(Game.Characters.empty());
-  EXPECT_TRUE(Game.Eyes.empty());
-  EXPECT_TRUE(Game.CharacterBar.Rows.empty());
-  EXPECT_FALSE(Game.MenuBackTexture.Loaded);
-
-  // A missing file reads as a count of 0.
-  WriteCatalogue(3, 1, Entry(3, 0, "a.ms3d", "a.tga", "n0"));
-  unlink("data/hats.ini");
-  EXPECT_FALSE(LoadGame(Game));
-  EXPECT_EQ(Game.LoadError, "No hats found in hats.ini");
-
-  WriteCatalogue(8, 1, Entry(8, 0, "a.ms3d", "a.tga", "h0"));
-  unlink("data/connecting.tga");
-  EXPECT_FALSE(LoadGame(Game));
-  EXPECT_EQ(Game.LoadError, "Unable to load bitmap from data/connecting.tga");
-  EXPECT_FALSE(Game.MenuBackTexture.Loaded);
-  EXPECT_FALSE(Game.NoneTexture.Loaded);
-
-  unlink("data/menuback.tga");
-  EXPECT_FALSE(LoadGame(Game));
-  EXPECT_EQ(Game.LoadError, "Unable to load bitmap from data/menuback.tga");
+TEST_F(CatalogueTest, FailuresThatEndTheLoadLeaveNothingLoaded) {
+  // Each row rewrites one catalogue and/or removes one file; the catalogue
+  // is mended behind it, the files stay removed.
+  struct Row {
+    int Cat, Count;
+    std::string Entries;
+    const char *Remove, *Error;
+  } rows[] = {
+      {0, 2, "[character0]\nthumb = a.tga\n" + Entry(0, 1, "a.ms3d", "a.tga", "c1"), "",
+       "No model specified for character0"},
+      {0, 1, Entry(0, 0, "nothere.ms3d", "a.tga", "c0"), "", "Unable to load model from data/characters/nothere.ms3d"},
+      {3, 0, "", "", "No noses found in noses.ini"},
+      {8, 1, "", "data/hats.ini", "No hats found in hats.ini"},  // a missing file reads as a count of 0
+      {-1, 0, "", "data/connecting.tga", "Unable to load bitmap from data/connecting.tga"},
+      {-1, 0, "", "data/menuback.tga", "Unable to load bitmap from data/menuback.tga"},
+  };
+  for (const Row &row : rows) {
+    if (row.Cat >= 0) WriteCatalogue(row.Cat, row.Count, row.Entries);
+    if (row.Remove[0]) unlink(row.Remove);
+    EXPECT_FALSE(LoadGame(Game)) << row.Error;
+    EXPECT_EQ(Game.LoadError, row.Error);
+    EXPECT_TRUE(Game.Characters.empty() && Game.Eyes.empty() && Game.Noses.empty()) << row.Error;
+    for (int i = 0; i < 9; i++) EXPECT_TRUE(Game.Bar(i).Rows.empty()) << row.Error << " bar " << i;
+    EXPECT_FALSE(Game.MenuBackTexture.Loaded || Game.NoneTexture.Loaded || Game.ConnectingTexture.Loaded) << row.Error;
+    if (row.Cat >= 0) WriteCatalogue(row.Cat, 1, Entry(row.Cat, 0, "a.ms3d", "a.tga", "first"));
+  }
 }
 
-TEST_F(CatalogueTest, ReloadLeavesTheSameCataloguesAndBars) {
-  WriteCatalogue(1, 2, Entry(1, 0, "a.ms3d", "a.tga", "e0") + Entry(1, 1, "a.ms3d", "missing.tga", "e1"));
+TEST_F(CatalogueTest, FailingEntryStopsItsCatalogueAndReloadsLeaveTheSame) {
+  // eyes1 lacks LeftModel (the path is the directory alone) after eyes0,
+  // whose thumbnail is missing; eyes2 is never read.
+  WriteCatalogue(1, 3, Entry(1, 0, "a.ms3d", "missing.tga", "e0") + "[eyes1]\nRightModel = a.ms3d\n" +
+                           Entry(1, 2, "a.ms3d", "a.tga", "e2"));
   ASSERT_TRUE(LoadGame(Game));
+  EXPECT_EQ(Game.LoadError, "Unable to load model from data/eyes/");
+  for (const char *line : {"Loaded 1 eyes", "Loaded 1 ears", "Loaded 1 hats"}) EXPECT_TRUE(ConsoleHas(line)) << line;
   const int icons = RVK_GetIconCount();
-  const size_t sizes[2] = {Game.Eyes.size(), Game.EyesBar.Rows.size()};
-  for (int round = 0; round < 2; round++) {
-    UnloadGame(Game);
-    EXPECT_TRUE(Game.Eyes.empty());
-    EXPECT_TRUE(Game.EyesBar.Rows.empty());
-    ASSERT_TRUE(LoadGame(Game));
-    EXPECT_EQ(Game.Eyes.size(), sizes[0]);
-    EXPECT_EQ(Game.EyesBar.Rows.size(), sizes[1]);
-    EXPECT_EQ(Game.Eyes[1].Name, "e1");
+  for (int round = 0; round < 3; round++) {
+    if (round > 0) {
+      UnloadGame(Game);
+      EXPECT_TRUE(Game.Eyes.empty());
+      EXPECT_TRUE(Game.EyesBar.Rows.empty());
+      ASSERT_TRUE(LoadGame(Game));
+    }
+    ASSERT_EQ(Game.Eyes.size(), 1u);
+    EXPECT_EQ(Game.Eyes[0].Name, "e0");
+    EXPECT_EQ(Game.Ears.size(), 1u);
     EXPECT_EQ(RVK_GetIconCount(), icons);
     // The failed thumbnail's stand-in is the icon table's own: a reload must
     // not have deleted it.
     EXPECT_TRUE(glIsTexture(RVK_GetDefaultIcon().TextureName));
-    for (int i = 0; i < 9; i++) EXPECT_EQ(Game.Bar(i).Rows.size(), i == 0 ? 1u : 2u) << i;
+    // "No eyes" alone on the eyes bar; the others have "none" and one entry.
+    for (int i = 0; i < 9; i++) EXPECT_EQ(Game.Bar(i).Rows.size(), i < 2 ? 1u : 2u) << i;
   }
 }
 

@@ -1,7 +1,9 @@
 // The arithmetic of the game loop: the multiplayer row and camera, the view
 // keys' precedence, the idle motion, and the records after a reload.
 #include <gtest/gtest.h>
+#include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 #include "app/game.h"
 #include "app/scene.h"
@@ -27,27 +29,21 @@ TEST(GameRow, PositionsAndCamera) {
 }
 
 TEST(GameViewKeys, PrecedenceAndUnboundedAngles) {
-  struct Case {
-    bool Left, Right, Up, Down, Z, X;
-    std::vector<float> Expected;
-  } cases[] = {
-      {true, false, false, false, false, false, {0, 2, 0}},
-      {false, true, false, false, false, false, {0, -2, 0}},
-      {true, true, false, false, false, false, {0, 2, 0}},  // Left beats Right
-      {false, false, true, false, false, false, {-2, 0, 0}},
-      {false, false, false, true, false, false, {2, 0, 0}},
-      {false, false, true, true, false, false, {-2, 0, 0}},  // Up beats Down
-      {false, false, false, false, true, false, {0, 0, 2}},
-      {false, false, false, false, false, true, {0, 0, -2}},
-      {false, false, false, false, true, true, {0, 0, 2}},  // Z beats X
-      {true, true, true, true, true, true, {-2, 2, 2}},
-  };
-  for (const Case &c : cases) {
+  // The keys held (Left, Right, Up, Down, Z, X) and the angles after one frame.
+  const std::pair<std::string, std::vector<float>> cases[] = {
+      {"L", {0, 2, 0}},  {"R", {0, -2, 0}}, {"LR", {0, 2, 0}},  // Left beats Right
+      {"U", {-2, 0, 0}}, {"D", {2, 0, 0}},  {"UD", {-2, 0, 0}},  // Up beats Down
+      {"Z", {0, 0, 2}},  {"X", {0, 0, -2}}, {"ZX", {0, 0, 2}},  // Z beats X
+      {"LRUDZX", {-2, 2, 2}}};
+  for (const auto &c : cases) {
     float angles[3] = {0, 0, 0};
     ViewKeysClass keys;
-    keys.Left = c.Left, keys.Right = c.Right, keys.Up = c.Up, keys.Down = c.Down, keys.Z = c.Z, keys.X = c.X;
+    const std::string &held = c.first;
+    keys.Left = held.find('L') != std::string::npos, keys.Right = held.find('R') != std::string::npos;
+    keys.Up = held.find('U') != std::string::npos, keys.Down = held.find('D') != std::string::npos;
+    keys.Z = held.find('Z') != std::string::npos, keys.X = held.find('X') != std::string::npos;
     ApplyViewKeys(angles, keys);
-    EXPECT_EQ(std::vector<float>(angles, angles + 3), c.Expected);
+    EXPECT_EQ(std::vector<float>(angles, angles + 3), c.second) << held;
   }
   // No wrap at 256.
   float angles[3] = {0, 255, 0};
@@ -107,12 +103,6 @@ TEST(GameReload, RecordsBeyondTheFreshCataloguesAreRepointed) {
   game.Characters.resize(2);
   game.Eyes.resize(3);
   game.Ears.resize(1);
-  game.Noses.resize(1);
-  game.Mouths.resize(1);
-  game.Eyebrows.resize(1);
-  game.Moustaches.resize(1);
-  game.Feet.resize(1);
-  game.Hats.resize(1);
   game.SetPlayerCount(3, false);
   game.SetLocalPlayer(0);
   PlayerClass &other = game.Players[1], &far = game.Players[2];
