@@ -15,9 +15,8 @@ inline std::string TkWindowId() {
   if (!id.empty()) return id;
   set_window_title("rvk widget test window");
   for (int attempt = 0; attempt < 50 && id.empty(); attempt++) {
-    FILE *p = popen("xdotool search --name '^rvk widget test window$' 2>/dev/null | head -n 1", "r");
     char line[64] = {0};
-    if (p != nullptr) {
+    if (FILE *p = popen("xdotool search --name '^rvk widget test window$' 2>/dev/null | head -n 1", "r")) {
       if (std::fgets(line, sizeof(line), p) == nullptr) line[0] = 0;
       pclose(p);
     }
@@ -31,24 +30,9 @@ inline std::string TkWindowId() {
 
 template <class Condition>
 bool TkWaitFor(Condition condition, int milliseconds = 3000) {
-  int32_t start = RVK_Clock();
-  while (!condition()) {
+  for (int32_t start = RVK_Clock(); !condition(); rest(5))
     if (RVK_Clock() - start > milliseconds) return false;
-    rest(5);
-  }
   return true;
-}
-
-// Moves the real pointer; the move is sent again in case the window wasn't
-// listening yet.
-inline bool TkMovePointer(int x, int y) {
-  std::string command = "xdotool mousemove --window " + TkWindowId() + " " + std::to_string(x) + " " +
-                        std::to_string(y);
-  for (int attempt = 0; attempt < 6; attempt++) {
-    if (std::system(command.c_str()) != 0) return false;
-    if (TkWaitFor([&] { return mouse_x == x && mouse_y == y; }, 500)) return true;
-  }
-  return false;
 }
 
 // The move as a shell command, for the background scripts.
@@ -56,24 +40,26 @@ inline std::string TkMoveCommand(int x, int y) {
   return "xdotool mousemove --window " + TkWindowId() + " " + std::to_string(x) + " " + std::to_string(y);
 }
 
-inline bool TkMouseDown() {
-  std::system("xdotool mousedown 1");
-  return TkWaitFor([] { return (mouse_b & 1) != 0; });
+// Moves the real pointer; the move is sent again in case the window wasn't
+// listening yet.
+inline bool TkMovePointer(int x, int y) {
+  for (int attempt = 0; attempt < 6; attempt++) {
+    if (std::system(TkMoveCommand(x, y).c_str()) != 0) return false;
+    if (TkWaitFor([&] { return mouse_x == x && mouse_y == y; }, 500)) return true;
+  }
+  return false;
 }
 
-inline bool TkMouseUp() {
-  std::system("xdotool mouseup 1");
-  return TkWaitFor([] { return (mouse_b & 1) == 0; });
+// Presses or lets go of mouse button 1.
+inline bool TkMouse(bool down) {
+  std::system(down ? "xdotool mousedown 1" : "xdotool mouseup 1");
+  return TkWaitFor([=] { return ((mouse_b & 1) != 0) == down; });
 }
 
-inline bool TkKeyDown(const char *name, int scancode) {
-  std::system((std::string("xdotool keydown ") + name).c_str());
-  return TkWaitFor([=] { return key[scancode] != 0; });
-}
-
-inline bool TkKeyUp(const char *name, int scancode) {
-  std::system((std::string("xdotool keyup ") + name).c_str());
-  return TkWaitFor([=] { return key[scancode] == 0; });
+// Presses or lets go of the key xdotool calls name, Allegro scancode.
+inline bool TkKey(const char *name, int scancode, bool down) {
+  std::system((std::string(down ? "xdotool keydown " : "xdotool keyup ") + name).c_str());
+  return TkWaitFor([=] { return (key[scancode] != 0) == down; });
 }
 
 // Runs a shell script in the background: the test goes on at once.
