@@ -1,14 +1,13 @@
 // Exact pixels of the widgets in a window: a toolbar's frame and width, a
 // button at rest and under the pointer, tooltips at the screen edge and with
 // percent signs, a menu entry's literal text, the picker bar's clip, the
-// slider with nothing to adjust, and the text field's box. The pointer is
-// placed by real X input.
+// slider with nothing to adjust. The pointer is placed by real X input.
 #include <allegro.h>
 #include <gtest/gtest.h>
 #include <GL/gl.h>
-#include <cstdio>
-#include <cstdlib>
+#include <initializer_list>
 #include <string>
+#include <tuple>
 #include <vector>
 #include "rvk/button.h"
 #include "rvk/core.h"
@@ -16,20 +15,29 @@
 #include "rvk/menu.h"
 #include "rvk/pickerbar.h"
 #include "rvk/slider.h"
-#include "rvk/textfield.h"
 #include "rvk/toolbar.h"
 #include "support/gl_env.h"
 #include "rvk_xinput.h"
 
 namespace {
 
-const TkPixel Black{0, 0, 0};
-const TkPixel Panel{147, 147, 147};
-const TkPixel Hover{55, 55, 255};
-const TkPixel Green{0, 200, 0};
+const TkPixel Black{0, 0, 0}, Panel{147, 147, 147}, Hover{55, 55, 255}, Green{0, 200, 0};
 
-bool MovePointer(int x, int y) {
-  return TkMovePointer(x, y);
+struct At {
+  int X, Y;
+  TkPixel Colour;
+};
+
+void ExpectPixels(std::initializer_list<At> list) {
+  for (const At &e : list) EXPECT_EQ(TkReadPixel(e.X, e.Y), e.Colour) << "at " << e.X << "," << e.Y;
+}
+
+// A pixel's channels, to within one step of blending.
+void ExpectNearPixel(int x, int y, int r, int g, int b) {
+  TkPixel p = TkReadPixel(x, y);
+  EXPECT_NEAR(p.R, r, 1) << "at " << x << "," << y;
+  EXPECT_NEAR(p.G, g, 1) << "at " << x << "," << y;
+  EXPECT_NEAR(p.B, b, 1) << "at " << x << "," << y;
 }
 
 void StartFrame() {
@@ -60,7 +68,7 @@ std::vector<int> Reds(int x0, int y0, int x1, int y1) {
 }  // namespace
 
 TEST(WidgetPixels, ToolbarFrameAndWidth) {
-  ASSERT_TRUE(MovePointer(790, 590));
+  ASSERT_TRUE(TkMovePointer(790, 590));
   int th = text_height(RVK_FontStandard);
   ToolbarClass t;
   t.Create(100, 100, false);
@@ -71,24 +79,15 @@ TEST(WidgetPixels, ToolbarFrameAndWidth) {
   StartFrame();
   EXPECT_EQ(t.Run(), -1);
   // Two buttons and a separator: 2 + 36 + 10 + 36 + 2.
-  EXPECT_EQ(t.Width, 86);
-  EXPECT_EQ(t.Height, th + 48);
-  EXPECT_EQ(t.Buttons[2].X, 148);
-  EXPECT_EQ(t.Buttons[2].Y, 100 + th + 8);
-  int right = 100 + 86 - 1, bottom = 100 + th + 48 - 1;
-  EXPECT_EQ(TkReadPixel(150, 100), (TkPixel{179, 179, 179}));          // strip's upper edge
-  EXPECT_EQ(TkReadPixel(150, 100 + th + 4), (TkPixel{79, 79, 79}));   // strip's lower edge
-  EXPECT_EQ(TkReadPixel(170, 102 + th), (TkPixel{3, 3, 255}));        // strip face
-  EXPECT_EQ(TkReadPixel(right, 100 + th + 20), (TkPixel{107, 107, 107}));
-  EXPECT_EQ(TkReadPixel(150, bottom), (TkPixel{107, 107, 107}));
-  EXPECT_EQ(TkReadPixel(100, 100 + th + 20), (TkPixel{211, 211, 211}));
-  EXPECT_EQ(TkReadPixel(right + 1, 100 + th + 20), Black);
-  EXPECT_EQ(TkReadPixel(150, bottom + 1), Black);
-  EXPECT_EQ(TkReadPixel(99, 100 + th + 20), Black);
-  // The buttons' icons at their places; the separator is only 6 wide.
-  EXPECT_EQ(TkReadPixel(102 + 15, 100 + th + 8 + 15), Green);
-  EXPECT_EQ(TkReadPixel(148 + 15, 100 + th + 8 + 15), Green);
-  EXPECT_EQ(TkReadPixel(102 + 34, 100 + th + 8 + 15), Panel);
+  EXPECT_EQ(std::make_tuple(t.Width, t.Height, t.Buttons[2].X, t.Buttons[2].Y),
+            std::make_tuple(86, th + 48, 148, 100 + th + 8));
+  int right = 100 + 86 - 1, bottom = 100 + th + 48 - 1, mid = 100 + th + 20, icons = 100 + th + 8 + 15;
+  // The strip's upper and lower edges and face, the body's edges and what
+  // lies just outside; the icons at their places, the separator only 6 wide.
+  ExpectPixels({{150, 100, {179, 179, 179}}, {150, 100 + th + 4, {79, 79, 79}}, {170, 102 + th, {3, 3, 255}},
+                {right, mid, {107, 107, 107}}, {150, bottom, {107, 107, 107}}, {100, mid, {211, 211, 211}},
+                {right + 1, mid, Black}, {150, bottom + 1, Black}, {99, mid, Black},
+                {102 + 15, icons, Green}, {148 + 15, icons, Green}, {102 + 34, icons, Panel}});
   RVK_End2D(0);
   // A status text widens the toolbar by its length + 2.
   t.SetStatus("Status");
@@ -100,42 +99,31 @@ TEST(WidgetPixels, ToolbarFrameAndWidth) {
 TEST(WidgetPixels, ButtonMovesAPixelUnderThePointer) {
   ButtonClass b;
   RVK_CreateButtonEx(b, "Go", BlockIcon(), 100, 100, -1, false);
-  ASSERT_TRUE(MovePointer(300, 300));
+  ASSERT_TRUE(TkMovePointer(300, 300));
   StartFrame();
   EXPECT_FALSE(b.Run());
-  EXPECT_EQ(TkReadPixel(100, 100), Panel);
-  EXPECT_EQ(TkReadPixel(132, 132), Panel);
-  EXPECT_EQ(TkReadPixel(133, 120), Black);
-  EXPECT_EQ(TkReadPixel(120, 133), Black);
-  EXPECT_EQ(TkReadPixel(99, 120), Black);
-  EXPECT_EQ(TkReadPixel(115, 115), Green);
-  EXPECT_EQ(TkReadPixel(111, 115), Panel);
+  ExpectPixels({{100, 100, Panel}, {132, 132, Panel}, {133, 120, Black}, {120, 133, Black}, {99, 120, Black},
+                {115, 115, Green}, {111, 115, Panel}});
   RVK_End2D(0);
 
   // Both far edges of the button count as under the pointer.
-  ASSERT_TRUE(MovePointer(132, 132));
+  ASSERT_TRUE(TkMovePointer(132, 132));
   StartFrame();
   EXPECT_FALSE(b.Run());
-  EXPECT_EQ(TkReadPixel(101, 101), Hover);
-  EXPECT_EQ(TkReadPixel(116, 116), Green);
-  EXPECT_EQ(TkReadPixel(112, 116), Hover);
-  EXPECT_EQ(TkReadPixel(134, 120), Black);
+  ExpectPixels({{101, 101, Hover}, {116, 116, Green}, {112, 116, Hover}, {134, 120, Black}});
   // The sunken edge, at alpha 128: dark above and left, light below and right.
-  EXPECT_NEAR(TkReadPixel(120, 100).R, 54, 1);
-  EXPECT_NEAR(TkReadPixel(100, 120).R, 54, 1);
-  EXPECT_NEAR(TkReadPixel(133, 120).R, 133, 1);
-  EXPECT_NEAR(TkReadPixel(120, 133).R, 133, 1);
+  ExpectNearPixel(120, 100, 54, 54, 54);
+  ExpectNearPixel(100, 120, 54, 54, 54);
+  ExpectNearPixel(133, 120, 133, 133, 233);
+  ExpectNearPixel(120, 133, 133, 133, 233);
   RVK_End2D(0);
 
+  // Disabled: no hover, and the face is covered again at half opacity.
   b.Enabled = false;
   StartFrame();
   EXPECT_FALSE(b.Run());
-  // Disabled: no hover, and the face is covered again at half opacity.
-  EXPECT_EQ(TkReadPixel(100, 100), Panel);
-  EXPECT_EQ(TkReadPixel(101, 101), Panel);
-  TkPixel dimmed = TkReadPixel(115, 115);
-  EXPECT_NEAR(dimmed.R, 73, 1);
-  EXPECT_NEAR(dimmed.G, 174, 1);
+  ExpectPixels({{100, 100, Panel}, {101, 101, Panel}});
+  ExpectNearPixel(115, 115, 73, 174, 73);
   RVK_End2D(0);
 }
 
@@ -145,17 +133,15 @@ TEST(WidgetPixels, TooltipStaysOnScreenAndShowsPercentSignsLiterally) {
   int tw = text_length(RVK_FontStandard, text) + 4;
   ButtonClass b;
   RVK_CreateButtonEx(b, "50% %s", BlockIcon(), -30, 560, KEY_M, false);
-  ASSERT_TRUE(MovePointer(1, 570));
+  ASSERT_TRUE(TkMovePointer(1, 570));
   StartFrame();
   b.Run();
   RVK_End2D(0);
   // Asked for at (-9, 613): moved to the left edge and up onto the screen.
-  EXPECT_EQ(TkReadPixel(tw, 600 - th), (TkPixel{128, 128, 128}));
-  EXPECT_EQ(TkReadPixel(tw, 599), (TkPixel{128, 128, 128}));
-  EXPECT_EQ(TkReadPixel(tw + 1, 600 - th), Black);
-  EXPECT_EQ(TkReadPixel(tw, 599 - th), Black);
+  const TkPixel Face{128, 128, 128};
+  ExpectPixels({{tw, 600 - th, Face}, {tw, 599, Face}, {tw + 1, 600 - th, Black}, {tw, 599 - th, Black}});
   std::vector<int> shown = Reds(6, 600 - th, tw, 599);
-
+  // The text is the caption, a dash and the key name, drawn literally.
   StartFrame();
   RVK_ShowTooltip(0, 600 - th, "%s", text);
   RVK_End2D(0);
@@ -163,7 +149,7 @@ TEST(WidgetPixels, TooltipStaysOnScreenAndShowsPercentSignsLiterally) {
 }
 
 TEST(WidgetPixels, MenuEntryTextIsLiteral) {
-  ASSERT_TRUE(MovePointer(790, 300));
+  ASSERT_TRUE(TkMovePointer(790, 300));
   const char *name = "100% %s %d";
   MenuClass menu;
   menu.Create("Title %s", "Footer", "");
@@ -192,38 +178,30 @@ TEST(WidgetPixels, MenuEntryTextIsLiteral) {
 TEST(WidgetPixels, PickerBarClipsItsRowsAndFramesTheHoveredOne) {
   PickerBarClass bar;
   bar.Setup(40, 400, 64);
-  EXPECT_EQ(bar.RowsY, 78);
-  EXPECT_EQ(bar.DownButton.Y, 364);
-  EXPECT_EQ(bar.VisibleRows, 4);
+  EXPECT_EQ(std::make_tuple(bar.RowsY, bar.DownButton.Y, bar.VisibleRows), std::make_tuple(78, 364, 4));
   BITMAP *blue = create_bitmap(128, 64);
   clear_to_color(blue, makecol(0, 0, 200));
   for (int i = 0; i < 5; i++) bar.AddBitmap(blue, "row");
   destroy_bitmap(blue);
   EXPECT_EQ(bar.MaxTopRow, 1);
 
-  ASSERT_TRUE(MovePointer(60, 78 + 2 * 66 + 20));
+  ASSERT_TRUE(TkMovePointer(60, 78 + 2 * 66 + 20));
   StartFrame();
   EXPECT_EQ(bar.Run(), -1);
   GLint box[4];
   glGetIntegerv(GL_SCISSOR_BOX, box);
-  EXPECT_EQ(box[0], 2);
-  EXPECT_EQ(box[1], 600 - 77 - 265 - 1);
-  EXPECT_EQ(box[2], 128);
-  EXPECT_EQ(box[3], 265);
+  EXPECT_EQ(std::vector<GLint>(box, box + 4), (std::vector<GLint>{2, 600 - 77 - 265 - 1, 128, 265}));
   EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));
-  // A row: blue at 192 over the bar's face, itself at 192 over black.
+  // A row: blue at 192 over the bar's face, itself at 192 over black. At
+  // x = 2 a row lies over the bar's light left edge; the hovered third row
+  // has a yellow frame at 192 over that, the second none.
   TkPixel row = TkReadPixel(60, 100);
   EXPECT_NEAR(row.R, 27, 1);
   EXPECT_NEAR(row.B, 178, 1);
-  // At x = 2 a row lies over the bar's light left edge; the hovered third
-  // row has a yellow frame at 192 over that, the second none.
   TkPixel edge = TkReadPixel(2, 78 + 66 + 10);
   EXPECT_NEAR(edge.R, 46, 1);
   EXPECT_NEAR(edge.B, 197, 1);
-  TkPixel frame = TkReadPixel(2, 78 + 2 * 66 + 10);
-  EXPECT_NEAR(frame.R, 203, 1);
-  EXPECT_NEAR(frame.G, 203, 1);
-  EXPECT_NEAR(frame.B, 49, 1);
+  ExpectNearPixel(2, 78 + 2 * 66 + 10, 203, 203, 49);
   RVK_End2D(0);
   bar.Free();
   StartFrame();
@@ -236,23 +214,19 @@ TEST(WidgetPixels, SliderTroughKnobAndNothingToAdjust) {
   int value = 10;
   SliderClass s;
   s.Create("Vol", 100, 100, 200, 14, 0, 0, false, 5, &value, -1);
-  ASSERT_TRUE(MovePointer(150, 107));
+  ASSERT_TRUE(TkMovePointer(150, 107));
   StartFrame();
   s.Run();
   RVK_End2D(0);
-  EXPECT_EQ(TkReadPixel(150, 107), (TkPixel{79, 79, 79}));
-  EXPECT_EQ(TkReadPixel(290, 107), (TkPixel{79, 79, 79}));
-  EXPECT_EQ(TkReadPixel(150, 100), (TkPixel{131, 131, 131}));
-  EXPECT_EQ(TkReadPixel(150, 114), (TkPixel{179, 179, 179}));
-  EXPECT_EQ(Reds(100, 116, 300, 140), std::vector<int>(201 * 25, 0));  // no label, no tooltip
+  // With Max 0 only the trough: no knob, no label, no tooltip.
+  ExpectPixels({{150, 107, {79, 79, 79}}, {290, 107, {79, 79, 79}}, {150, 100, {131, 131, 131}},
+                {150, 114, {179, 179, 179}}});
+  EXPECT_EQ(Reds(100, 116, 300, 140), std::vector<int>(201 * 25, 0));
 
   s.Max = 10;
   StartFrame();
   s.Run();
   // Knob 5 is drawn 20 long, at (200 - 20) x 10 / 10.
-  EXPECT_EQ(TkReadPixel(290, 107), (TkPixel{3, 3, 131}));
-  EXPECT_EQ(TkReadPixel(280, 107), (TkPixel{3, 3, 255}));
-  EXPECT_EQ(TkReadPixel(300, 107), (TkPixel{83, 83, 255}));
-  EXPECT_EQ(TkReadPixel(279, 107), (TkPixel{79, 79, 79}));
+  ExpectPixels({{290, 107, {3, 3, 131}}, {280, 107, {3, 3, 255}}, {300, 107, {83, 83, 255}}, {279, 107, {79, 79, 79}}});
   RVK_End2D(0);
 }
