@@ -3,11 +3,14 @@
 #include <allegro.h>
 #include <gtest/gtest.h>
 #include <GL/gl.h>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <initializer_list>
 #include <string>
 #include <thread>
+#include <tuple>
 #include "rvk/console.h"
 #include "rvk/core.h"
 #include "rvk/draw.h"
@@ -15,26 +18,35 @@
 #include "rvk/timer.h"
 #include "support/gl_env.h"
 
+static const TkPixel Black{0, 0, 0}, White{255, 255, 255};
+
 static void ClearTo(float r, float g, float b) {
   glClearColor(r, g, b, 1);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 
+struct At {
+  int X, Y;
+  TkPixel Colour;
+};
+
+static void ExpectPixels(std::initializer_list<At> list) {
+  for (const At &e : list) EXPECT_EQ(TkReadPixel(e.X, e.Y), e.Colour) << "at " << e.X << "," << e.Y;
+}
+
 TEST(Core, StartUpStateAndIconTable) {
-  EXPECT_EQ(RVK_Palette.FieldLowerRight, makecol(212, 208, 200));
-  EXPECT_EQ(gui_bg_color, makecol(147, 147, 147));
-  EXPECT_EQ(gui_fg_color, makecol(35, 35, 35));
+  EXPECT_EQ(std::make_tuple(RVK_Palette.FieldLowerRight, gui_bg_color, gui_fg_color),
+            std::make_tuple(makecol(212, 208, 200), makecol(147, 147, 147), makecol(35, 35, 35)));
   ASSERT_TRUE(RVK_FontStandard != nullptr && RVK_FontMedium != nullptr && RVK_FontSmall != nullptr);
   EXPECT_EQ(ConsoleTop, 600 - 10 * text_height(RVK_FontStandard) - 60);
   // The default icon and one per bitmap of the datafile, in file order.
   ASSERT_EQ(RVK_GetIconCount(), 26);
-  EXPECT_EQ(RVK_FindIcon("up"), 1);
-  EXPECT_EQ(RVK_FindIcon("back"), 25);
+  EXPECT_EQ(std::make_pair(RVK_FindIcon("up"), RVK_FindIcon("back")), std::make_pair(1, 25));
   for (int i = 0; i < 26; i++) {
     TextureClass icon = RVK_GetIconByIndex(i);
     EXPECT_TRUE(icon.Loaded && icon.Width == 32 && icon.Height == 32 && icon.CentreX == 16) << i;
   }
-  // An unknown name gives the white default icon.
+  // An unknown name or index gives the white 32 by 32 default icon.
   EXPECT_EQ(RVK_FindIcon("nosuch"), 0);
   TextureClass fallback = RVK_GetIcon("nosuch");
   EXPECT_EQ(fallback.TextureName, RVK_GetDefaultIcon().TextureName);
@@ -43,12 +55,8 @@ TEST(Core, StartUpStateAndIconTable) {
   RVK_BeginFrame();
   RVK_DrawTexture(fallback, 50, 50, 0, true, 255);
   RVK_DrawTexture(RVK_GetIcon("cancel"), 100, 50, 0, true, 255);
-  EXPECT_EQ(TkReadPixel(50, 50), (TkPixel{255, 255, 255}));
-  EXPECT_EQ(TkReadPixel(81, 81), (TkPixel{255, 255, 255}));
-  EXPECT_EQ(TkReadPixel(82, 82), (TkPixel{0, 0, 0}));
   // The cross's middle in its own red; its magenta corner lets the black through.
-  EXPECT_EQ(TkReadPixel(116, 66), (TkPixel{236, 52, 52}));
-  EXPECT_EQ(TkReadPixel(100, 50), (TkPixel{0, 0, 0}));
+  ExpectPixels({{50, 50, White}, {81, 81, White}, {82, 82, Black}, {116, 66, {236, 52, 52}}, {100, 50, Black}});
   RVK_End2D(0);
 }
 
@@ -62,36 +70,27 @@ TEST(Core, TexturesFromFilesAndThePlaceholder) {
 
   TextureClass t;
   ASSERT_TRUE(t.Load(".\\rvk_core_test.tga"));
-  EXPECT_EQ(t.Width, 16);
-  EXPECT_EQ(t.Height, 8);
-  EXPECT_EQ(t.CentreX, 8);
-  EXPECT_EQ(t.CentreY, 4);
-  EXPECT_FALSE(t.HasBitmap);
+  EXPECT_EQ(std::make_tuple(t.Width, t.Height, t.CentreX, t.CentreY, t.HasBitmap), std::make_tuple(16, 8, 8, 4, false));
   ClearTo(0, 0, 0);
   RVK_BeginFrame();
   RVK_DrawTexture(t, 100, 100, 0, false, 255);
-  EXPECT_EQ(TkReadPixel(101, 101), (TkPixel{200, 0, 0}));
-  EXPECT_EQ(TkReadPixel(101, 106), (TkPixel{0, 200, 0}));
-  EXPECT_EQ(TkReadPixel(113, 101), (TkPixel{0, 200, 0}));
   RVK_DrawTexture(t, 200, 100, 0, false, 128);
-  EXPECT_EQ(TkReadPixel(201, 101), (TkPixel{100, 0, 0}));
   // Half a turn (128 units) puts the red quarter lower right.
   RVK_DrawTexture(t, 300, 100, 128, false, 255);
-  EXPECT_EQ(TkReadPixel(313, 106), (TkPixel{200, 0, 0}));
-  EXPECT_EQ(TkReadPixel(301, 101), (TkPixel{0, 200, 0}));
+  const TkPixel Red{200, 0, 0}, Green{0, 200, 0};
+  ExpectPixels({{101, 101, Red}, {101, 106, Green}, {113, 101, Green}, {201, 101, {100, 0, 0}}, {313, 106, Red},
+                {301, 101, Green}});
 
   TextureClass placeholder;
   placeholder.CreateFromBitmap(nullptr);
-  EXPECT_TRUE(placeholder.Loaded);
-  EXPECT_EQ(placeholder.Width, 32);
+  EXPECT_EQ(std::make_pair(placeholder.Loaded, placeholder.Width), std::make_pair(true, 32));
   RVK_DrawTextureScaled(placeholder, 400, 100, 128, 128, 0, true, 255);
-  // Texels are filtered, so the one-texel diagonal is red within a few steps.
+  // Texels are filtered, so the one-texel diagonal is red within a few steps;
+  // lower left and upper right are white.
   TkPixel diagonal = TkReadPixel(400 + 82, 100 + 82);
   EXPECT_NEAR(diagonal.R, 230, 4);
-  EXPECT_LE(diagonal.G, 16);
-  EXPECT_LE(diagonal.B, 16);
-  EXPECT_EQ(TkReadPixel(400 + 10, 100 + 118), (TkPixel{255, 255, 255}));  // lower left
-  EXPECT_EQ(TkReadPixel(400 + 118, 100 + 10), (TkPixel{255, 255, 255}));  // upper right
+  EXPECT_LE(std::max(diagonal.G, diagonal.B), 16);
+  ExpectPixels({{400 + 10, 100 + 118, White}, {400 + 118, 100 + 10, White}});
   RVK_End2D(0);
 
   TextureClass kept;
@@ -99,8 +98,7 @@ TEST(Core, TexturesFromFilesAndThePlaceholder) {
   ASSERT_TRUE(kept.HasBitmap);
   EXPECT_EQ(kept.SourceBitmap->w, 16);
   kept.Free();
-  EXPECT_FALSE(kept.HasBitmap);
-  EXPECT_FALSE(kept.Loaded);
+  EXPECT_FALSE(kept.HasBitmap || kept.Loaded);
   t.Free();
   placeholder.Free();
 
@@ -127,40 +125,33 @@ TEST(Core, TooltipPlacementAtTheEdges) {
   for (const Case &c : cases) {
     int x = c.x, y = c.y;
     RVK_PlaceTooltip(x, y, c.w, c.h, 800, 600);
-    EXPECT_EQ(x, c.wantX) << c.x << "," << c.y;
-    EXPECT_EQ(y, c.wantY) << c.x << "," << c.y;
+    EXPECT_EQ(std::make_pair(x, y), std::make_pair(c.wantX, c.wantY)) << c.x << "," << c.y;
   }
-}
-
-// The rightmost column in the rows y0..y1 whose pixel is the given colour.
-static int RightmostOf(TkPixel colour, int x0, int x1, int y0, int y1) {
-  int right = -1;
-  for (int y = y0; y <= y1; y++)
-    for (int x = x0; x <= x1; x++)
-      if (TkReadPixel(x, y) == colour && x > right) right = x;
-  return right;
 }
 
 TEST(Core, TooltipsAreDrawnLiterallyAtTheEndOfTheFrame) {
   ClearTo(0, 0, 0);
   RVK_BeginFrame();
   RVK_ShowTooltip(799, 599, "%s", "a%d");
-  EXPECT_EQ(TkReadPixel(799, 599), (TkPixel{0, 0, 0}));  // queued, not drawn yet
+  EXPECT_EQ(TkReadPixel(799, 599), Black);  // queued, not drawn yet
   RVK_End2D(0);
   int tw = text_length(RVK_FontStandard, "a%d") + 4;
   int th = text_height(RVK_FontStandard) + 4;
   int x = 800 - tw, y = 600 - th;
-  EXPECT_EQ(TkReadPixel(x, y), (TkPixel{128, 128, 128}));
-  EXPECT_EQ(TkReadPixel(x - 1, y), (TkPixel{0, 0, 0}));
-  // Drawn literally: the d's ink lies past "a%"; a number would not.
-  int right = RightmostOf(TkPixel{0, 0, 0}, x + 2, 799, y + 2, y + th - 2) - (x + 2);
+  ExpectPixels({{x, y, {128, 128, 128}}, {x - 1, y, Black}});
+  // Drawn literally: the d's ink (black on the face) lies past "a%"; a
+  // number would not.
+  int right = -1;
+  for (int py = y + 2; py <= y + th - 2; py++)
+    for (int px = x + 2; px <= 799; px++)
+      if (TkReadPixel(px, py) == Black) right = std::max(right, px - (x + 2));
   EXPECT_GE(right, text_length(RVK_FontStandard, "a%"));
   EXPECT_LT(right, text_length(RVK_FontStandard, "a%d"));
   // A second frame shows no tooltip: the queue was emptied.
   ClearTo(0, 0, 0);
   RVK_BeginFrame();
   RVK_End2D(0);
-  EXPECT_EQ(TkReadPixel(x, y), (TkPixel{0, 0, 0}));
+  EXPECT_EQ(TkReadPixel(x, y), Black);
 }
 
 TEST(Core, FrameCallsAndThePointer) {
@@ -178,9 +169,8 @@ TEST(Core, FrameCallsAndThePointer) {
   EXPECT_EQ(depth, depth0);
   EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST));
   ASSERT_EQ(mouse_x, 400);
-  EXPECT_EQ(TkReadPixel(401, 308), (TkPixel{255, 255, 255}));  // the arrow's head
-  EXPECT_EQ(TkReadPixel(407, 315), (TkPixel{0, 0, 100}));      // its shadow, 6 down and right
-  EXPECT_EQ(TkReadPixel(399, 300), (TkPixel{0, 0, 200}));
+  // The arrow's head, its shadow 6 down and right, and the background.
+  ExpectPixels({{401, 308, White}, {407, 315, {0, 0, 100}}, {399, 300, {0, 0, 200}}});
 
   // The clip counts its bottom from the screen's height less one, which
   // puts it one row below the rectangle asked for; leaving 2D ends it.
@@ -188,13 +178,8 @@ TEST(Core, FrameCallsAndThePointer) {
   RVK_Begin2D();
   RVK_SetClipRect(100, 100, 10, 10);
   RVK_DrawRect(0, 0, 799, 599, makecol(255, 255, 255), true, 255);
-  const TkPixel W{255, 255, 255}, B{0, 0, 0};
-  EXPECT_EQ(TkReadPixel(100, 100), B);
-  EXPECT_EQ(TkReadPixel(100, 101), W);
-  EXPECT_EQ(TkReadPixel(109, 110), W);
-  EXPECT_EQ(TkReadPixel(109, 111), B);
-  EXPECT_EQ(TkReadPixel(99, 105), B);
-  EXPECT_EQ(TkReadPixel(110, 105), B);
+  ExpectPixels({{100, 100, Black}, {100, 101, White}, {109, 110, White}, {109, 111, Black}, {99, 105, Black},
+                {110, 105, Black}});
   RVK_End2D(0);
   EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));
 }
@@ -227,13 +212,9 @@ TEST(Core, RestartShutdownAndFrameTrace) {
   std::ifstream in(trace);
   long long stamp, busy, previous = -1;
   int lines = 0;
-  while (in >> stamp >> busy) {
+  for (; in >> stamp >> busy; previous = stamp, lines++) {
     EXPECT_GE(busy, 5000);
-    if (previous >= 0) {
-      EXPECT_GE(stamp - previous, busy);
-    }
-    previous = stamp;
-    lines++;
+    EXPECT_TRUE(previous < 0 || stamp - previous >= busy) << stamp - previous << " < " << busy;
   }
   EXPECT_EQ(lines, 6);
   EXPECT_GE(previous - started, 6 * 22222);
