@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <atomic>
 #include <cstdlib>
+#include <fstream>
 #include <mutex>
 #include <thread>
 #include "app/config.h"
@@ -84,21 +85,16 @@ public:
   }
   // Pixels of the screenshot with exactly this colour.
   int CountColour(uint8_t r, uint8_t g, uint8_t b) const {
-    FILE *f = std::fopen(Shot.c_str(), "rb");
-    if (!f) return -1;
+    std::ifstream in(Shot, std::ios::binary);
+    std::string magic;
     int w = 0, h = 0, max = 0;
-    if (std::fscanf(f, "P6 %d %d %d", &w, &h, &max) != 3) {
-      std::fclose(f);
-      return -1;
-    }
-    std::fgetc(f);
+    if (!(in >> magic >> w >> h >> max)) return -1;
+    in.get();
+    std::vector<char> rgb((size_t)w * h * 3);
+    in.read(rgb.data(), (std::streamsize)rgb.size());
     int count = 0;
-    for (long i = 0; i < (long)w * h; i++) {
-      int pr = std::fgetc(f), pg = std::fgetc(f), pb = std::fgetc(f);
-      if (pb == EOF) break;
-      if (pr == r && pg == g && pb == b) count++;
-    }
-    std::fclose(f);
+    for (size_t i = 0; i + 2 < rgb.size(); i += 3)
+      count += (uint8_t)rgb[i] == r && (uint8_t)rgb[i + 1] == g && (uint8_t)rgb[i + 2] == b;
     return count;
   }
 };
@@ -144,47 +140,27 @@ protected:
     }
     return true;
   }
-  static Bytes Version(const std::string &v) {
-    Bytes b{0x35};
-    PutText(b, v);
-    b.push_back(0);
-    return b;
-  }
-  static bool Has(const std::vector<std::string> &lines, const std::string &line) {
-    for (const std::string &l : lines)
-      if (l == line) return true;
-    return false;
-  }
 };
 
 TEST_F(ClientConnectTest, NumberedJoinThenServerGoodbye) {
   ASSERT_TRUE(Server.Start(Port));
   // Before the number: a stray packet and a number outside its count are ignored.
-  Server.Queue(End(Pkt(51)));
-  Server.Queue(Shorts(40, {2, 2}));
-  Server.Queue(Shorts(40, {1, 2}));
-  Server.Queue(Version("Tumblekin v1.0"));
-  Server.Queue(Shorts(18, {2, 7}));
-  Server.Queue(Shorts(19, {0, 0}));
-  Server.Queue(Shorts(19, {1, 7}));
-  Bytes name{0x15, 0x00, 0x00};
-  PutText(name, "Host");
-  name.push_back(0);
-  Server.Queue(name);
-  Server.Queue(Shorts(23, {0, 2}));
+  for (const Bytes &b : {End(Pkt(51)), Shorts(40, {2, 2}), Shorts(40, {1, 2}), TextPkt(53, {}, "Tumblekin v1.0"),
+                         Shorts(18, {2, 7}), Shorts(19, {0, 0}), Shorts(19, {1, 7}), TextPkt(21, {0}, "Host"),
+                         Shorts(23, {0, 2})})
+    Server.Queue(b);
   ASSERT_TRUE(Connect());
   ASSERT_EQ(Game.GetPlayerCount(), 2);
   EXPECT_EQ(Game.LocalPlayerNumber, 1);
   EXPECT_EQ(Game.LocalPlayer, &Game.Players[1]);
-  std::vector<std::string> lines = Console.Lines();
-  EXPECT_TRUE(Has(lines, "Connection to 127.0.0.1:" + std::to_string(Port) + " established"));
-  EXPECT_TRUE(Has(lines, "Ignored unexpected packet (type 51)"));
-  EXPECT_TRUE(Has(lines, "Ignored unexpected packet (type 40)"));
+  EXPECT_TRUE(Console.Has("Connection to 127.0.0.1:" + std::to_string(Port) + " established"));
+  EXPECT_TRUE(Console.Has("Ignored unexpected packet (type 51)"));
+  EXPECT_TRUE(Console.Has("Ignored unexpected packet (type 40)"));
 
   EXPECT_TRUE(PollFor(2000, [] { return Game.Players[0].EyesNumber == 2; }));
   EXPECT_EQ(Game.Players[0].PlayerName, "Host");
   EXPECT_EQ(Game.Players[1].PlayerId, 7);
-  EXPECT_TRUE(Has(Console.Lines(), "Client and server versions match (Tumblekin v1.0)"));
+  EXPECT_TRUE(Console.Has("Client and server versions match (Tumblekin v1.0)"));
   // The local player's own pick goes out as a Report on channel 0.
   NP_SendPacket(NP_TO_DEFAULT, 3, "%d", 1);
   EXPECT_TRUE(PollFor(300, [] { return false; }));
@@ -195,17 +171,14 @@ TEST_F(ClientConnectTest, NumberedJoinThenServerGoodbye) {
   double end = NowMs() + 1000;
   while (Server.ReceivedCount < 3 && NowMs() < end) rest(5);
   Server.Finish();
-  ASSERT_EQ(Server.Host.Received.size(), 3u);
-  EXPECT_EQ(Hex(Server.Host.Received[0].Data), "01 07 00 5A 65 64 0D 20 4A 72 00");
-  EXPECT_EQ(Hex(Server.Host.Received[1].Data), "03 01 00 00");
-  EXPECT_EQ(Hex(Server.Host.Received[2].Data), "00 00");
+  EXPECT_EQ(ReceivedHex(Server.Host), (std::vector<std::string>{"01 07 00 5A 65 64 0D 20 4A 72 00", "03 01 00 00", "00 00"}));
   for (const ReceivedPacket &p : Server.Host.Received) EXPECT_EQ(p.Channel, 0);
 }
 
 TEST_F(ClientConnectTest, DifferentVersionShowsTheBoxAndEnds) {
   ASSERT_TRUE(Server.Start(Port));
   Server.Queue(Shorts(40, {1, 2}));
-  Server.Queue(Version("Tumblekin v1.01"));
+  Server.Queue(TextPkt(53, {}, "Tumblekin v1.01"));
   Server.Queue(Shorts(18, {2, 3}));
   ASSERT_TRUE(Connect());
   KeyPresser enter("Return", 800);
@@ -218,7 +191,7 @@ TEST_F(ClientConnectTest, DifferentVersionShowsTheBoxAndEnds) {
   EXPECT_LT(waited, 7000.0);
   // The box's blue title strip stood on the screen.
   EXPECT_GT(enter.CountColour(3, 3, 255), 100);
-  EXPECT_FALSE(Has(Console.Lines(), "Client and server versions match (Tumblekin v1.01)"));
+  EXPECT_FALSE(Console.Has("Client and server versions match (Tumblekin v1.01)"));
   EXPECT_EQ(Game.Players[1].PlayerId, 0);  // nothing behind the version was applied
 }
 

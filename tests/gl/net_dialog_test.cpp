@@ -3,6 +3,7 @@
 // kept by the first button, settings left alone by Cancel.
 #include <gtest/gtest.h>
 #include <cstdio>
+#include <fstream>
 #include "app/config.h"
 #include "net/host.h"
 #include "rvk/button.h"
@@ -44,38 +45,32 @@ protected:
     script += TkMoveCommand(x, y) + "; sleep 0.2; xdotool mousedown 1; sleep 0.15; xdotool mouseup 1";
     TkLater(script);
   }
-  // The window's place on the screen, for reading the screenshot.
-  void WindowOrigin(int &ox, int &oy) {
-    ox = oy = 0;
+  // A pixel of the picture, in window coordinates: the window's place on
+  // the screen comes first.
+  TkPixel ShotPixel(int x, int y) {
     FILE *p = popen(("xdotool getwindowgeometry --shell " + TkWindowId()).c_str(), "r");
-    if (!p) return;
     char line[64];
-    while (std::fgets(line, sizeof(line), p)) {
+    int ox = 0, oy = 0;
+    while (p && std::fgets(line, sizeof(line), p)) {
       std::sscanf(line, "X=%d", &ox);
       std::sscanf(line, "Y=%d", &oy);
     }
-    pclose(p);
-  }
-  TkPixel ShotPixel(int x, int y) {
-    TkPixel p{0, 0, 0};
-    int ox, oy;
-    WindowOrigin(ox, oy);
+    if (p) pclose(p);
     x += ox;
     y += oy;
-    FILE *f = std::fopen(Shot.c_str(), "rb");
-    if (!f) return p;
+    std::ifstream in(Shot, std::ios::binary);
+    std::string magic;
     int w = 0, h = 0, max = 0;
-    if (std::fscanf(f, "P6 %d %d %d", &w, &h, &max) == 3 && x < w && y < h) {
-      std::fgetc(f);
-      std::fseek(f, (long)(y * w + x) * 3, SEEK_CUR);
-      p.R = (uint8_t)std::fgetc(f);
-      p.G = (uint8_t)std::fgetc(f);
-      p.B = (uint8_t)std::fgetc(f);
+    char rgb[3] = {0, 0, 0};
+    if (in >> magic >> w >> h >> max && x < w && y < h) {
+      in.seekg((std::streamoff)in.tellg() + 1 + (std::streamoff)(y * w + x) * 3);
+      in.read(rgb, 3);
     }
-    std::fclose(f);
-    return p;
+    return TkPixel{(uint8_t)rgb[0], (uint8_t)rgb[1], (uint8_t)rgb[2]};
   }
 };
+
+const TkPixel TITLE = {3, 3, 255}, BODY = {147, 147, 147}, FIELD = {255, 255, 255};
 
 TEST_F(DialogTest, HostDialogKeepsTypedTextOnStart) {
   Config.PlayerName = "Hana";
@@ -85,16 +80,16 @@ TEST_F(DialogTest, HostDialogKeepsTypedTextOnStart) {
   EXPECT_TRUE(HostGameDialog());
   EXPECT_EQ(Config.PlayerName, "HanaMo");
   EXPECT_EQ(Config.LocalServerPort, "4000");
-  // The title strip across the top of the 600 by 400 window, the body below.
-  EXPECT_EQ(ShotPixel(Wx + 300, Wy + 2), (TkPixel{3, 3, 255}));
-  EXPECT_EQ(ShotPixel(Wx + 300, Wy + H + 10), (TkPixel{147, 147, 147}));
-  EXPECT_EQ(ShotPixel(Wx + 5, Wy + 300), (TkPixel{147, 147, 147}));
-  // The two fields, 3 text lines apart from 3 lines down: white inside.
-  int width = RVK_TextWidthForChars(RVK_FontStandard, 16);
-  EXPECT_EQ(ShotPixel(Wx + 10 + width - 4, Wy + 3 * H + H / 2), (TkPixel{255, 255, 255}));
-  width = RVK_TextWidthForChars(RVK_FontStandard, 10);
-  EXPECT_EQ(ShotPixel(Wx + 10 + width - 4, Wy + 6 * H + H / 2), (TkPixel{255, 255, 255}));
-  EXPECT_EQ(ShotPixel(Wx + 10 + width - 4, Wy + 9 * H + H / 2), (TkPixel{147, 147, 147}));
+  // The title strip across the top of the 600 by 400 window, the body below;
+  // two fields, 3 text lines apart from 3 lines down: white inside.
+  int name = Wx + 10 + RVK_TextWidthForChars(RVK_FontStandard, 16) - 4;
+  int port = Wx + 10 + RVK_TextWidthForChars(RVK_FontStandard, 10) - 4;
+  const struct {
+    int X, Y;
+    TkPixel Colour;
+  } pixels[] = {{Wx + 300, Wy + 2, TITLE},       {Wx + 300, Wy + H + 10, BODY},     {Wx + 5, Wy + 300, BODY},
+                {name, Wy + 3 * H + H / 2, FIELD}, {port, Wy + 6 * H + H / 2, FIELD}, {port, Wy + 9 * H + H / 2, BODY}};
+  for (const auto &p : pixels) EXPECT_EQ(ShotPixel(p.X, p.Y), p.Colour) << p.X << "," << p.Y;
 }
 
 TEST_F(DialogTest, ConnectDialogCancelLeavesSettings) {
@@ -108,7 +103,7 @@ TEST_F(DialogTest, ConnectDialogCancelLeavesSettings) {
   EXPECT_EQ(Config.RemoteServerPort, "4001");
   // Three fields: the third stands 9 text lines down.
   int width = RVK_TextWidthForChars(RVK_FontStandard, 10);
-  EXPECT_EQ(ShotPixel(Wx + 10 + width - 4, Wy + 9 * H + H / 2), (TkPixel{255, 255, 255}));
+  EXPECT_EQ(ShotPixel(Wx + 10 + width - 4, Wy + 9 * H + H / 2), FIELD);
 
   // The first button of this dialog takes the texts as they stand.
   TypeShootAndClick("", First.X + First.Width / 2, First.Y + First.Height / 2);

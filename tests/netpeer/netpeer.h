@@ -17,41 +17,37 @@
 typedef std::vector<uint8_t> Bytes;
 
 // Little-endian building blocks of a packet.
-inline Bytes &operator<<(Bytes &b, uint8_t v) {
-  b.push_back(v);
-  return b;
-}
-inline void PutShort(Bytes &b, int v) {
-  b.push_back((uint8_t)(v & 0xFF));
-  b.push_back((uint8_t)((v >> 8) & 0xFF));
-}
+inline void PutShort(Bytes &b, int v) { b.insert(b.end(), {(uint8_t)v, (uint8_t)(v >> 8)}); }
 inline void PutInt(Bytes &b, int32_t v) {
-  for (int i = 0; i < 4; i++) b.push_back((uint8_t)(((uint32_t)v >> (8 * i)) & 0xFF));
-}
-inline void PutText(Bytes &b, const std::string &t) {
-  PutShort(b, (int)t.size());
-  b.insert(b.end(), t.begin(), t.end());
+  for (int i = 0; i < 4; i++) b.push_back((uint8_t)((uint32_t)v >> (8 * i)));
 }
 inline Bytes Pkt(uint8_t type) { return Bytes{type}; }
 inline Bytes End(Bytes b) {
   b.push_back(0);
   return b;
 }
-// A packet of a type and 16-bit fields, closed by its zero byte.
-inline Bytes Shorts(uint8_t type, std::initializer_list<int> values) {
+// A packet of a type, 16-bit fields and maybe a text, closed by its zero byte.
+inline Bytes Shorts(uint8_t type, std::initializer_list<int> values, const std::string *text = nullptr) {
   Bytes b{type};
   for (int v : values) PutShort(b, v);
+  if (text) {
+    PutShort(b, (int)text->size());
+    b.insert(b.end(), text->begin(), text->end());
+  }
   b.push_back(0);
   return b;
 }
+inline Bytes TextPkt(uint8_t type, std::initializer_list<int> values, const std::string &text) {
+  return Shorts(type, values, &text);
+}
+// A 32-bit field is the same bytes as its low and high 16-bit halves.
+inline Bytes ConsolePkt(int id, int32_t colour, const std::string &text) {
+  return TextPkt(52, {id, colour & 0xFFFF, (int)((uint32_t)colour >> 16)}, text);
+}
 inline Bytes FloatPkt(uint8_t type, int id, float f) {
-  Bytes b{type};
-  PutShort(b, id);
   uint32_t bits;
   std::memcpy(&bits, &f, 4);
-  PutInt(b, (int32_t)bits);
-  b.push_back(0);
-  return b;
+  return Shorts(type, {id, (int)(bits & 0xFFFF), (int)(bits >> 16)});
 }
 inline std::string Hex(const Bytes &b) {
   std::string s;
@@ -70,8 +66,7 @@ inline double NowMs() {
   return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-class ReceivedPacket {
-public:
+struct ReceivedPacket {
   Bytes Data;
   int Channel = 0;
   double Time = 0;
@@ -85,7 +80,6 @@ public:
   ENetPeer *Peer = nullptr;  // the server, or the last peer that connected
   std::vector<ENetPeer *> Peers;  // every peer that connected, in order
   bool Connected = false;
-  bool Disconnected = false;
   std::vector<ReceivedPacket> Received;
   double ConnectTime = 0;
 
@@ -118,8 +112,6 @@ public:
         ConnectTime = NowMs();
         Peer = event.peer;
         Peers.push_back(event.peer);
-      } else if (event.type == ENET_EVENT_TYPE_DISCONNECT) {
-        Disconnected = true;
       } else if (event.type == ENET_EVENT_TYPE_RECEIVE) {
         ReceivedPacket p;
         p.Data.assign(event.packet->data, event.packet->data + event.packet->dataLength);
@@ -142,6 +134,13 @@ public:
     Peer = nullptr;
   }
 };
+
+// The packets that `h` received from the `from`th on, as hex.
+inline std::vector<std::string> ReceivedHex(const TestHost &h, size_t from = 0) {
+  std::vector<std::string> out;
+  for (size_t i = from; i < h.Received.size(); i++) out.push_back(Hex(h.Received[i].Data));
+  return out;
+}
 
 // Runs `step` until `done` holds or `timeoutMs` has passed; true if it held.
 inline bool PumpUntil(const std::function<void()> &step, const std::function<bool()> &done, double timeoutMs) {
@@ -182,6 +181,11 @@ public:
     }
     std::fseek(File, 0, SEEK_END);
     return lines;
+  }
+  bool Has(const std::string &line) {
+    for (const std::string &l : Lines())
+      if (l == line) return true;
+    return false;
   }
   void Clear() {
     std::fclose(File);

@@ -19,16 +19,22 @@ protected:
     NP_InitPacketTable();
     uint16_t port = TestPort(1);
     ASSERT_TRUE(Server.StartServer(port));
-    ASSERT_TRUE(A.StartClient(port));
-    ASSERT_TRUE(PumpUntil([&] { Server.Service(1); A.Service(); }, [&] { return A.Connected && Server.Peers.size() == 1; }, 3000));
-    ASSERT_TRUE(B.StartClient(port));
-    ASSERT_TRUE(PumpUntil([&] { Server.Service(1); B.Service(); }, [&] { return B.Connected && Server.Peers.size() == 2; }, 3000));
+    // A first, so that it is the server's first peer.
+    for (TestHost *c : {&A, &B}) {
+      ASSERT_TRUE(c->StartClient(port));
+      size_t peers = Server.Peers.size() + 1;
+      ASSERT_TRUE(PumpUntil([&] { Server.Service(1); c->Service(); },
+                            [&] { return c->Connected && Server.Peers.size() == peers; }, 3000));
+    }
     Game.Players.assign(3, PlayerClass());
-    Game.Players[0].PlayerId = 0;
     Game.Players[1].PlayerId = 5;
     Game.Players[2].PlayerId = 9;
     Game.SetLocalPlayer(0);
-    BecomeServer();
+    Game.Mode = GAME_MODE_SERVER;
+    NetworkInitialised = true;
+    NetHost = Server.Host;
+    ClientPeers[1] = Server.Peers[0];
+    ClientPeers[2] = Server.Peers[1];
     PacketSkipPlayerId = -1;
   }
   void TearDown() override {
@@ -39,41 +45,25 @@ protected:
     Game.Mode = GAME_MODE_NONE;
     Game.Players.clear();
     Game.LocalPlayer = nullptr;
-    A.Close();
-    B.Close();
-    Server.Close();
-  }
-  void BecomeServer() {
-    Game.Mode = GAME_MODE_SERVER;
-    NetworkInitialised = true;
-    NetHost = Server.Host;
-    ClientPeers[1] = Server.Peers[0];
-    ClientPeers[2] = Server.Peers[1];
-  }
-  void BecomeClientA() {
-    Game.Mode = GAME_MODE_CLIENT;
-    NetworkInitialised = true;
-    NetHost = A.Host;
-    ServerPeer = A.Peer;
   }
   // Lets everything that was queued arrive: all three hosts serviced.
   void Settle(double ms = 150) {
     PumpUntil([&] { Server.Service(1); A.Service(); B.Service(); }, [] { return false; }, ms);
   }
-  static std::vector<std::string> HexOf(const TestHost &h) {
-    std::vector<std::string> out;
-    for (const ReceivedPacket &p : h.Received) out.push_back(Hex(p.Data));
-    return out;
+  static std::vector<int> Channels(const TestHost &h) {
+    std::vector<int> channels;
+    for (const ReceivedPacket &p : h.Received) channels.push_back(p.Channel);
+    return channels;
   }
 };
 
 TEST_F(SendTest, RefusalsBeforeThePacketIsMade) {
-  Game.Mode = GAME_MODE_SINGLE;
   PacketSkipPlayerId = 5;
-  EXPECT_FALSE(NP_SendPacket(NP_TO_ALL, 23, "%d,%d", 0, 1));
-  EXPECT_EQ(PacketSkipPlayerId, 5);
-  Game.Mode = GAME_MODE_NONE;
-  EXPECT_FALSE(NP_SendPacket(NP_TO_DEFAULT, 3, "%d", 1));
+  for (int mode : {GAME_MODE_SINGLE, GAME_MODE_NONE}) {
+    Game.Mode = mode;
+    EXPECT_FALSE(NP_SendPacket(NP_TO_ALL, 23, "%d,%d", 0, 1));
+    EXPECT_FALSE(NP_SendPacket(NP_TO_DEFAULT, 3, "%d", 1));
+  }
   EXPECT_EQ(PacketSkipPlayerId, 5);
   EXPECT_TRUE(Console.Lines().empty());
 
@@ -100,16 +90,16 @@ TEST_F(SendTest, SkipIdLeavesOutOneClientOnce) {
   EXPECT_EQ(PacketSkipPlayerId, -1);
   EXPECT_TRUE(NP_SendPacket(NP_TO_DEFAULT, 24, "%d,%d", 0, 2));
   Settle();
-  EXPECT_EQ(HexOf(A), std::vector<std::string>{"18 00 00 02 00 00"});
-  EXPECT_EQ(HexOf(B), (std::vector<std::string>{"17 05 00 FF FF 00", "18 00 00 02 00 00"}));
-  for (const ReceivedPacket &p : B.Received) EXPECT_EQ(p.Channel, 1);
+  EXPECT_EQ(ReceivedHex(A), std::vector<std::string>{"18 00 00 02 00 00"});
+  EXPECT_EQ(ReceivedHex(B), (std::vector<std::string>{"17 05 00 FF FF 00", "18 00 00 02 00 00"}));
+  EXPECT_EQ(Channels(B), (std::vector<int>{1, 1}));
 
   // A relay from the only client goes to nobody and still answers true.
   Game.Players.resize(2);
   PacketSkipPlayerId = 5;
   EXPECT_TRUE(NP_SendPacket(NP_TO_ALL, 23, "%d,%d", 5, 1));
   Settle();
-  EXPECT_EQ(A.Received.size(), 1u);
+  EXPECT_EQ(ReceivedHex(A), std::vector<std::string>{"18 00 00 02 00 00"});
   EXPECT_TRUE(Console.Lines().empty());
 }
 
@@ -120,7 +110,7 @@ TEST_F(SendTest, DestinationsByIdAndTheirRefusals) {
   EXPECT_TRUE(NP_SendPacket(NP_TO_SERVER, 51, ""));
   Settle();
   EXPECT_TRUE(A.Received.empty());
-  EXPECT_EQ(HexOf(B), std::vector<std::string>{"33 00"});
+  EXPECT_EQ(ReceivedHex(B), std::vector<std::string>{"33 00"});
   EXPECT_EQ(Console.Lines(), (std::vector<std::string>{"Warning GetPlayerNumber failed to resolve player ID 77",
                                                        "Packets destination player ID is invalid 77 (packet type 51)",
                                                        "Server attempted to send a packet to itself!"}));
@@ -136,19 +126,20 @@ TEST_F(SendTest, ServerGoodbyeIsFlushedAtOnce) {
   EXPECT_TRUE(A.Received.empty());
   EXPECT_TRUE(NP_SendPacket(NP_TO_ALL, 20, "%d", 5));
   ASSERT_TRUE(PumpUntil([&] { A.Service(1); B.Service(); }, [&] { return A.Received.size() == 2 && B.Received.size() == 2; }, 1000));
-  EXPECT_EQ(HexOf(A), (std::vector<std::string>{"17 00 00 04 00 00", "14 05 00 00"}));
+  EXPECT_EQ(ReceivedHex(A), (std::vector<std::string>{"17 00 00 04 00 00", "14 05 00 00"}));
 }
 
 TEST_F(SendTest, ClientSendsToServerOnChannelZero) {
-  BecomeClientA();
+  Game.Mode = GAME_MODE_CLIENT;
+  NetHost = A.Host;
+  ServerPeer = A.Peer;
   EXPECT_TRUE(NP_SendPacket(NP_TO_DEFAULT, 3, "%d", 3));
   PumpUntil([&] { Server.Service(1); }, [] { return false; }, 150);
   EXPECT_TRUE(Server.Received.empty());  // not flushed: waits for the client's poll
   EXPECT_TRUE(NP_SendPacket(NP_TO_SERVER, 0, ""));
   ASSERT_TRUE(PumpUntil([&] { Server.Service(1); }, [&] { return Server.Received.size() == 2; }, 1000));
-  EXPECT_EQ(HexOf(Server), (std::vector<std::string>{"03 03 00 00", "00 00"}));
-  EXPECT_EQ(Server.Received[0].Channel, 0);
-  EXPECT_EQ(Server.Received[1].Channel, 0);
+  EXPECT_EQ(ReceivedHex(Server), (std::vector<std::string>{"03 03 00 00", "00 00"}));
+  EXPECT_EQ(Channels(Server), (std::vector<int>{0, 0}));
 
   EXPECT_TRUE(NP_SendPacket(NP_TO_ALL, 3, "%d", 1));
   EXPECT_TRUE(NP_SendPacket(9, 3, "%d", 1));  // a client sends to its server only
@@ -160,5 +151,5 @@ TEST_F(SendTest, ClientSendsToServerOnChannelZero) {
   std::string name(300, 'n');
   EXPECT_TRUE(NP_SendPacket(NP_TO_SERVER, 1, "%s", name.c_str()));
   ASSERT_TRUE(PumpUntil([&] { Server.Service(1); A.Service(); }, [&] { return Server.Received.size() == 3; }, 1000));
-  EXPECT_EQ(Server.Received[2].Data.size(), 4u + 255u);
+  EXPECT_EQ(ReceivedHex(Server, 2), std::vector<std::string>{Hex(TextPkt(1, {}, std::string(255, 'n')))});
 }

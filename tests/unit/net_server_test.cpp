@@ -52,35 +52,21 @@ protected:
     for (auto &c : Clients) c->Service();
   }
   void PumpFor(double ms) { PumpUntil([&] { Pump(); }, [] { return false; }, ms); }
+  bool Until(const std::function<bool()> &done, double ms = 2000) { return PumpUntil([&] { Pump(); }, done, ms); }
   // A new test client that has connected and taken `packets` packets.
   TestHost &Join(size_t packets) {
     Clients.emplace_back(new TestHost);
     TestHost &c = *Clients.back();
     EXPECT_TRUE(c.StartClient(Port));
-    EXPECT_TRUE(PumpUntil([&] { Pump(); }, [&] { return c.Received.size() >= packets; }, 3000));
+    EXPECT_TRUE(Until([&] { return c.Received.size() >= packets; }, 3000));
     PumpFor(30);
     EXPECT_EQ(c.Received.size(), packets);
     return c;
   }
-  // The packets from `from` on, as hex, and all on channel 1.
+  // The packets from `from` on, as hex; the server sends all on channel 1.
   static std::vector<std::string> HexFrom(const TestHost &h, size_t from) {
-    std::vector<std::string> out;
-    for (size_t i = from; i < h.Received.size(); i++) {
-      out.push_back(Hex(h.Received[i].Data));
-      EXPECT_EQ(h.Received[i].Channel, 1);
-    }
-    return out;
-  }
-  static bool Has(const std::vector<std::string> &lines, const std::string &line) {
-    for (const std::string &l : lines)
-      if (l == line) return true;
-    return false;
-  }
-  static std::string TextHex(const std::string &t) { return Hex(Bytes(t.begin(), t.end())); }
-  static std::string IntHex(int32_t v) {
-    Bytes b;
-    PutInt(b, v);
-    return Hex(b);
+    for (size_t i = from; i < h.Received.size(); i++) EXPECT_EQ(h.Received[i].Channel, 1) << i;
+    return ReceivedHex(h, from);
   }
 };
 
@@ -99,11 +85,11 @@ TEST_F(ServerTest, JoinSequenceReportsAndRelays) {
   TestHost &a = Join(18);
   EXPECT_EQ(HexFrom(a, 0), (std::vector<std::string>{
                                "28 01 00 02 00 00",
-                               "35 0E 00 " + TextHex("Tumblekin v1.0") + " 00",
+                               Hex(TextPkt(53, {}, "Tumblekin v1.0")),
                                "12 02 00 01 00 00",
                                "13 00 00 00 00 00",
                                "13 01 00 01 00 00",
-                               "15 00 00 04 00 " + TextHex("Host") + " 00",
+                               "15 00 00 04 00 48 6F 73 74 00",
                                "16 00 00 01 00 00",
                                "17 00 00 02 00 00",
                                "18 00 00 FF FF 00",
@@ -121,65 +107,59 @@ TEST_F(ServerTest, JoinSequenceReportsAndRelays) {
   EXPECT_EQ(Game.Players[1].PlayerId, 1);
   EXPECT_EQ(Game.Players[1].PlayerName, "");
   EXPECT_EQ(Game.LocalPlayer, &Game.Players[0]);
+  EXPECT_TRUE(Console.Has("Accepted new client connection"));
   std::vector<std::string> lines = Console.Lines();
-  EXPECT_TRUE(Has(lines, "Accepted new client connection"));
   ASSERT_FALSE(lines.empty());
   EXPECT_EQ(lines.back().rfind("A new client connected from 100007f:", 0), 0u) << lines.back();
 
   // A name with a comma and a percent sign, escaped on the wire.
-  Bytes name{0x01, 0x08, 0x00, 'A', 'l', 0x0D, ' ', '1', '0', '0', '%', 0x00};
-  a.Send(name);
-  ASSERT_TRUE(PumpUntil([&] { Pump(); }, [&] { return a.Received.size() == 20; }, 2000));
+  a.Send(TextPkt(1, {}, "Al\r 100%"));
+  ASSERT_TRUE(Until([&] { return a.Received.size() == 20; }));
   EXPECT_EQ(Game.Players[1].PlayerName, "Al, 100%");
-  EXPECT_TRUE(Has(Console.Lines(), "Al, 100% has joined the game"));
-  std::string line = "Al\r 100% has joined the game";
-  EXPECT_EQ(HexFrom(a, 18), (std::vector<std::string>{
-                                "34 FF FF " + IntHex(makecol(255, 255, 255)) + " 1C 00 " + TextHex(line) + " 00",
-                                "15 01 00 08 00 " + TextHex("Al\r 100%") + " 00",
-                            }));
+  EXPECT_TRUE(Console.Has("Al, 100% has joined the game"));
+  const std::string alName = Hex(TextPkt(21, {1}, "Al\r 100%"));
+  EXPECT_EQ(HexFrom(a, 18),
+            (std::vector<std::string>{Hex(ConsolePkt(-1, makecol(255, 255, 255), "Al\r 100% has joined the game")),
+                                      alName}));
 
   // A part report changes the sender's record and isn't sent back to it.
   a.Send(Shorts(3, {3}));
   a.Send(End(Pkt(50)));
-  ASSERT_TRUE(PumpUntil([&] { Pump(); }, [&] { return a.Received.size() == 21; }, 2000));
+  ASSERT_TRUE(Until([&] { return a.Received.size() == 21; }));
   EXPECT_EQ(Game.Players[1].EyesNumber, 3);
-  EXPECT_EQ(Hex(a.Received[20].Data), "33 00");
+  EXPECT_EQ(HexFrom(a, 20), std::vector<std::string>{"33 00"});
 
   // The second client gets 4 + 14 x 2 packets, the first the new count.
   TestHost &b = Join(32);
-  ASSERT_TRUE(PumpUntil([&] { Pump(); }, [&] { return a.Received.size() == 22; }, 2000));
-  EXPECT_EQ(Hex(a.Received[21].Data), "12 03 00 02 00 00");
+  ASSERT_TRUE(Until([&] { return a.Received.size() == 22; }));
+  EXPECT_EQ(HexFrom(a, 21), std::vector<std::string>{"12 03 00 02 00 00"});
   std::vector<std::string> bs = HexFrom(b, 0);
   EXPECT_EQ(bs[0], "28 02 00 03 00 00");
   EXPECT_EQ(bs[2], "12 03 00 02 00 00");
   EXPECT_EQ(bs[5], "13 02 00 02 00 00");
-  EXPECT_EQ(bs[19], "15 01 00 08 00 " + TextHex("Al\r 100%") + " 00");
+  EXPECT_EQ(bs[19], alName);
   EXPECT_EQ(bs[21], "17 01 00 03 00 00");
 
   // Relays: as the client gave the value, to everybody but the sender.
   a.Send(Shorts(10, {99}));
   a.Send(Shorts(4, {1}));
-  ASSERT_TRUE(PumpUntil([&] { Pump(); }, [&] { return b.Received.size() == 34; }, 2000));
+  ASSERT_TRUE(Until([&] { return b.Received.size() == 34; }));
   EXPECT_EQ(HexFrom(b, 32), (std::vector<std::string>{"1E 01 00 63 00 00", "18 01 00 01 00 00"}));
   EXPECT_EQ(Game.Players[1].HatNumber, 0);
   EXPECT_EQ(Game.Players[1].EarsNumber, 1);
 
   // A console line from a client goes to all, the sender too; types without
   // a handler and malformed packets do nothing.
-  Bytes message{0x34, 0x01, 0x00};
-  PutInt(message, -1);
-  PutText(message, "hi%s");
-  message.push_back(0);
+  Bytes message = ConsolePkt(1, -1, "hi%s");
   a.Send(End(Pkt(11)));
   a.Send(Shorts(40, {0, 1}));
   a.Send(Bytes{0x03, 0x01});
   a.Send(message);
-  ASSERT_TRUE(PumpUntil([&] { Pump(); }, [&] { return a.Received.size() == 23 && b.Received.size() == 35; }, 2000));
+  ASSERT_TRUE(Until([&] { return a.Received.size() == 23 && b.Received.size() == 35; }));
   PumpFor(50);
-  EXPECT_EQ(Hex(a.Received[22].Data), Hex(message));
-  EXPECT_EQ(Hex(b.Received[34].Data), Hex(message));
-  EXPECT_EQ(a.Received.size(), 23u);
-  EXPECT_TRUE(Has(Console.Lines(), "Al, 100%: hi%s"));
+  EXPECT_EQ(HexFrom(a, 22), std::vector<std::string>{Hex(message)});
+  EXPECT_EQ(HexFrom(b, 34), std::vector<std::string>{Hex(message)});
+  EXPECT_TRUE(Console.Has("Al, 100%: hi%s"));
   EXPECT_EQ(Game.Players[1].EarsNumber, 1);
 }
 
@@ -190,7 +170,7 @@ TEST_F(ServerTest, EighthClientIsRefusedAndIgnored) {
   Clients.emplace_back(new TestHost);
   TestHost &late = *Clients.back();
   ASSERT_TRUE(late.StartClient(Port));
-  ASSERT_TRUE(PumpUntil([&] { Pump(); }, [&] { return late.Connected; }, 3000));
+  ASSERT_TRUE(Until([&] { return late.Connected; }, 3000));
   PumpFor(100);
   EXPECT_TRUE(late.Received.empty());
   std::vector<std::string> lines = Console.Lines();
@@ -209,22 +189,21 @@ TEST_F(ServerTest, LeavingRenumbersTheOthers) {
   TestHost &ann = Join(18);
   TestHost &bob = Join(32);
   TestHost &cid = Join(46);
-  ann.Send(Bytes{0x01, 0x03, 0x00, 'A', 'n', 'n', 0x00});
-  bob.Send(Bytes{0x01, 0x03, 0x00, 'B', 'o', 'b', 0x00});
-  cid.Send(Bytes{0x01, 0x03, 0x00, 'C', 'i', 'd', 0x00});
+  ann.Send(TextPkt(1, {}, "Ann"));
+  bob.Send(TextPkt(1, {}, "Bob"));
+  cid.Send(TextPkt(1, {}, "Cid"));
   PumpFor(150);
   ASSERT_EQ(Game.GetPlayerCount(), 4);
   size_t bobSeen = bob.Received.size(), cidSeen = cid.Received.size();
 
   // Ann's connection ends without a word.
   enet_peer_disconnect_now(ann.Peer, 0);
-  ASSERT_TRUE(PumpUntil([&] { Pump(); }, [&] { return Game.GetPlayerCount() == 3; }, 3000));
+  ASSERT_TRUE(Until([&] { return Game.GetPlayerCount() == 3; }, 3000));
   PumpFor(50);
   EXPECT_EQ(Game.Players[1].PlayerName, "Bob");
   EXPECT_EQ(Game.Players[2].PlayerName, "Cid");
-  std::vector<std::string> lines = Console.Lines();
-  EXPECT_TRUE(Has(lines, "Connection lost to player 1 Ann"));
-  EXPECT_TRUE(Has(lines, "Ann has left the game"));
+  EXPECT_TRUE(Console.Has("Connection lost to player 1 Ann"));
+  EXPECT_TRUE(Console.Has("Ann has left the game"));
   EXPECT_EQ(HexFrom(bob, bobSeen), std::vector<std::string>{"14 01 00 00"});
   EXPECT_EQ(HexFrom(cid, cidSeen), std::vector<std::string>{"14 01 00 00"});
 
@@ -238,14 +217,14 @@ TEST_F(ServerTest, LeavingRenumbersTheOthers) {
 
   // Bob quits in order, then Cid: the last goodbye goes to nobody.
   bob.Send(End(Pkt(0)));
-  ASSERT_TRUE(PumpUntil([&] { Pump(); }, [&] { return Game.GetPlayerCount() == 2; }, 2000));
+  ASSERT_TRUE(Until([&] { return Game.GetPlayerCount() == 2; }));
   PumpFor(50);
   EXPECT_EQ(Hex(cid.Received.back().Data), "14 02 00 00");
   ASSERT_NE(ClientPeers[1], nullptr);
   EXPECT_STREQ((const char *)ClientPeers[1]->data, "3");
   EXPECT_EQ(ClientPeers[2], nullptr);
   cid.Send(End(Pkt(0)));
-  ASSERT_TRUE(PumpUntil([&] { Pump(); }, [&] { return Game.GetPlayerCount() == 1; }, 2000));
+  ASSERT_TRUE(Until([&] { return Game.GetPlayerCount() == 1; }));
   EXPECT_EQ(ClientPeers[1], nullptr);
-  EXPECT_TRUE(Has(Console.Lines(), "Cid has left the game"));
+  EXPECT_TRUE(Console.Has("Cid has left the game"));
 }
