@@ -9,7 +9,9 @@
 #include <GL/gl.h>
 
 #include <cstring>
+#include <initializer_list>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "model/modelclass.h"
@@ -17,6 +19,8 @@
 #include "tools/ms3dwriter/ms3dwriter.h"
 
 namespace {
+
+const TkPixel kBlack{0, 0, 0}, kWhite{255, 255, 255};
 
 std::string TempDir() {
   static std::string dir;
@@ -32,17 +36,10 @@ std::string TempDir() {
 void AddSquare(MS3DWriter &w, float x, int8_t material, int8_t bone) {
   uint16_t base = static_cast<uint16_t>(w.Vertices.size());
   const float corners[4][2] = {{-0.5f, -0.5f}, {0.5f, -0.5f}, {0.5f, 0.5f}, {-0.5f, 0.5f}};
-  for (const auto &c : corners) {
-    msVertex v;
-    v.Position[0] = x + c[0];
-    v.Position[1] = c[1];
-    v.BoneId = bone;
-    w.Vertices.push_back(v);
-  }
-  msGroup g;
+  for (const auto &c : corners) w.Vertices.push_back({0, {x + c[0], c[1], 0}, bone});
+  msGroup &g = w.Groups.emplace_back();
   g.MaterialIndex = material;
-  const uint16_t tris[2][3] = {{0, 1, 2}, {0, 2, 3}};
-  for (const auto &t : tris) {
+  for (const auto &t : {std::vector<int>{0, 1, 2}, std::vector<int>{0, 2, 3}}) {
     msTriangle tri;
     for (int c = 0; c < 3; c++) {
       tri.VertexIndices[c] = base + t[c];
@@ -53,14 +50,11 @@ void AddSquare(MS3DWriter &w, float x, int8_t material, int8_t bone) {
     g.TriangleIndices.push_back(static_cast<uint16_t>(w.Triangles.size()));
     w.Triangles.push_back(tri);
   }
-  w.Groups.push_back(g);
 }
 
 msMaterial Material(float r, float g, float b, float transparency, const char *texture) {
   msMaterial m;
-  m.Diffuse[0] = r;
-  m.Diffuse[1] = g;
-  m.Diffuse[2] = b;
+  m.Diffuse[0] = r, m.Diffuse[1] = g, m.Diffuse[2] = b;
   m.Transparency = transparency;
   std::strcpy(m.Texture, texture);
   return m;
@@ -80,7 +74,9 @@ void SaveTexture(const std::string &path, int r, int g, int b) {
 }
 
 // An orthographic view of 8 x 6 units over the 800 x 600 window, 100 pixels
-// to the unit, origin at the centre; black background; lighting as asked.
+// to the unit, origin at the centre; black background; lighting as asked:
+// a white light straight from the viewer and no ambient light at all, so a
+// surface facing it shows its diffuse colour times its texture.
 void BeginScene(bool lit) {
   glViewport(0, 0, TK_SCREEN_W, TK_SCREEN_H);
   glMatrixMode(GL_PROJECTION);
@@ -88,21 +84,13 @@ void BeginScene(bool lit) {
   glOrtho(-4, 4, -3, 3, -10, 10);
   glMatrixMode(GL_MODELVIEW);
   glLoadIdentity();
-  glDisable(GL_CULL_FACE);
-  glDisable(GL_BLEND);
-  glDisable(GL_SCISSOR_TEST);
-  glDisable(GL_COLOR_MATERIAL);
+  for (GLenum off : {GL_CULL_FACE, GL_BLEND, GL_SCISSOR_TEST, GL_COLOR_MATERIAL, GL_LIGHTING}) glDisable(off);
   glDepthFunc(GL_LESS);
   glDepthMask(GL_TRUE);
   glClearColor(0, 0, 0, 1);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
   glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
-  if (!lit) {
-    glDisable(GL_LIGHTING);
-    return;
-  }
-  // A white light straight from the viewer, and no ambient light at all, so
-  // a surface facing it shows its diffuse colour times its texture.
+  if (!lit) return;
   const float none[4] = {0, 0, 0, 1}, white[4] = {1, 1, 1, 1}, ahead[4] = {0, 0, 1, 0};
   glEnable(GL_LIGHTING);
   glEnable(GL_LIGHT0);
@@ -113,9 +101,18 @@ void BeginScene(bool lit) {
   glLightfv(GL_LIGHT0, GL_POSITION, ahead);
 }
 
-TkPixel Px(float x, float y) { return TkReadPixel(400 + static_cast<int>(x * 100), 300 - static_cast<int>(y * 100)); }
+struct At {
+  float X, Y;
+  TkPixel Colour;
+};
 
-// GL state read back as one int.
+// Pixels at points of the scene's plane.
+void ExpectPixels(std::initializer_list<At> list) {
+  for (const At &e : list)
+    EXPECT_EQ(TkReadPixel(400 + static_cast<int>(e.X * 100), 300 - static_cast<int>(e.Y * 100)), e.Colour)
+        << "at " << e.X << "," << e.Y;
+}
+
 int GetInt(GLenum what) {
   GLint i = 0;
   glGetIntegerv(what, &i);
@@ -142,9 +139,6 @@ std::vector<int> Switches() {
           GetInt(GL_LIGHT_MODEL_TWO_SIDE)};
 }
 
-const TkPixel kBlack{0, 0, 0};
-const TkPixel kWhite{255, 255, 255};
-
 // A square bound to one joint that slides from x = -2 at frame 0 to x = +2
 // at frame 29 (29/8 s at 8 fps).
 MS3DWriter SlidingSquare(int32_t frames) {
@@ -152,11 +146,9 @@ MS3DWriter SlidingSquare(int32_t frames) {
   AddSquare(w, 0, -1, 0);
   w.AnimationFps = 8;
   w.TotalFrames = frames;
-  msJoint j;
+  msJoint &j = w.Joints.emplace_back();
   std::strcpy(j.Name, "slide");
-  j.PositionKeys.push_back({0.0f, {-2, 0, 0}});
-  j.PositionKeys.push_back({29.0f / 8, {2, 0, 0}});
-  w.Joints.push_back(j);
+  j.PositionKeys = {{0.0f, {-2, 0, 0}}, {29.0f / 8, {2, 0, 0}}};
   return w;
 }
 
@@ -165,36 +157,28 @@ MS3DWriter SlidingSquare(int32_t frames) {
 TEST(ModelRender, ListsPerFrameAndTheFrameClock) {
   ModelClass model;
   ASSERT_TRUE(model.Load(Save(SlidingSquare(30), "slide.ms3d").c_str())) << model.Error;
-  EXPECT_TRUE(model.Animated);
-  ASSERT_EQ(model.ListCount(), 60);
+  // Two lists a frame; after loading, the joints hold frame 0.
+  EXPECT_EQ(std::make_tuple(model.Animated, model.ListCount(), model.CurrentFrame, model.Model->CurrentTime),
+            std::make_tuple(true, 60, 0.0f, 0.0f));
   EXPECT_TRUE(glIsList(model.ListBase + 59));
-  EXPECT_EQ(model.CurrentFrame, 0.0f);
-  // After loading, the joints hold frame 0.
-  EXPECT_EQ(model.Model->CurrentTime, 0.0f);
 
   BeginScene(false);
   model.Draw(0, 0, 0, 0, 0, 0);
-  EXPECT_EQ(Px(-2, 0), kWhite);
-  EXPECT_EQ(Px(2, 0), kBlack);
-  // 29.9 draws list 59, which holds frame 29.
+  ExpectPixels({{-2, 0, kWhite}, {2, 0, kBlack}});
+  // 29.9 draws list 59, which holds frame 29, as does list 58.
   model.CurrentFrame = 29.9f;
   BeginScene(false);
   model.Draw(0, 0, 0, 0, 0, 0);
-  EXPECT_EQ(Px(2, 0), kWhite);
-  EXPECT_EQ(Px(-2, 0), kBlack);
-  EXPECT_EQ(Px(0, 0), kBlack);
+  ExpectPixels({{2, 0, kWhite}, {-2, 0, kBlack}, {0, 0, kBlack}});
   BeginScene(false);
   glCallList(model.ListBase + 58);
-  EXPECT_EQ(Px(2, 0), kWhite);
+  ExpectPixels({{2, 0, kWhite}});
   // Frame 14 of 29 eases to x = -0.103; the draw lifts it by 1.5.
   model.CurrentFrame = 14.5f;
   BeginScene(false);
   model.Draw(0, 1.5f, 0, 0, 0, 0);
-  EXPECT_EQ(Px(-0.55f, 1.5f), kWhite);
-  EXPECT_EQ(Px(0.35f, 1.5f), kWhite);
-  EXPECT_EQ(Px(-0.7f, 1.5f), kBlack);
-  EXPECT_EQ(Px(0.45f, 1.5f), kBlack);
-  EXPECT_EQ(Px(0, 0), kBlack);
+  ExpectPixels({{-0.55f, 1.5f, kWhite}, {0.35f, 1.5f, kWhite}, {-0.7f, 1.5f, kBlack}, {0.45f, 1.5f, kBlack},
+                {0, 0, kBlack}});
 
   // 500 ms at 8 fps is 4 frames; passing 30 drops back to 0.
   model.CurrentFrame = 2;
@@ -208,22 +192,20 @@ TEST(ModelRender, ListsPerFrameAndTheFrameClock) {
 
   GLuint base = model.ListBase;
   model.Unload();
-  EXPECT_FALSE(model.Loaded);
-  EXPECT_EQ(model.Model, nullptr);
-  EXPECT_FALSE(glIsList(base));
-  EXPECT_FALSE(glIsList(base + 59));
+  EXPECT_EQ(std::make_tuple(model.Loaded, model.Model, glIsList(base), glIsList(base + 59)),
+            std::make_tuple(false, nullptr, GLboolean(false), GLboolean(false)));
 
   // No frames: no lists, nothing drawn.
   ASSERT_TRUE(model.Load(Save(SlidingSquare(0), "still.ms3d").c_str()));
   EXPECT_EQ(model.ListCount(), 0);
   BeginScene(false);
   model.Draw(0, 0, 0, 0, 0, 0);
-  EXPECT_EQ(Px(-2, 0), kBlack);
+  ExpectPixels({{-2, 0, kBlack}});
   model.Unload();
 
-  // Without joints: one list, and the clock doesn't move it.
-  // Ahead of the square's two triangles: a triangle index past the end and a
-  // triangle with a corner past the vertices; both are left out whole.
+  // Without joints: one list, and the clock doesn't move it. Ahead of the
+  // square's two triangles: a triangle index past the end and a triangle
+  // with a corner past the vertices; both are left out whole.
   MS3DWriter plain;
   AddSquare(plain, 0, -1, -1);
   msTriangle stray = plain.Triangles[0];
@@ -231,23 +213,19 @@ TEST(ModelRender, ListsPerFrameAndTheFrameClock) {
   plain.Triangles.push_back(stray);
   plain.Groups[0].TriangleIndices.insert(plain.Groups[0].TriangleIndices.begin(), {77, 2});
   ASSERT_TRUE(model.Load(Save(plain, "plain.ms3d").c_str()));
-  EXPECT_FALSE(model.Animated);
-  EXPECT_EQ(model.ListCount(), 1);
+  EXPECT_EQ(std::make_pair(model.Animated, model.ListCount()), std::make_pair(false, 1));
   model.LastClock = ModelClock() - 5000;
   model.UpdateFrame();
   EXPECT_EQ(model.CurrentFrame, 0.0f);
+  // Both halves of the square, turned a quarter about Z around (1, 0).
   BeginScene(false);
   model.Draw(1, 0, 0, 0, 0, 64);
-  // Both halves of the square, turned a quarter about Z around (1, 0).
-  EXPECT_EQ(Px(1.3f, 0.3f), kWhite);
-  EXPECT_EQ(Px(0.7f, -0.3f), kWhite);
-  EXPECT_EQ(Px(0.4f, 0), kBlack);
+  ExpectPixels({{1.3f, 0.3f, kWhite}, {0.7f, -0.3f, kWhite}, {0.4f, 0, kBlack}});
   model.Unload();
 
   EXPECT_FALSE(model.Load("/nonexistent/dir/x.ms3d"));
   EXPECT_EQ(model.Error, "Unable to load model from /nonexistent/dir/x.ms3d");
-  EXPECT_TRUE(model.ModelAllocated);
-  EXPECT_FALSE(model.Loaded);
+  EXPECT_EQ(std::make_pair(model.ModelAllocated, model.Loaded), std::make_pair(true, false));
   ASSERT_TRUE(model.Load(Save(plain, "plain.ms3d").c_str()));
   model.Unload();
 }
@@ -310,38 +288,32 @@ TEST(ModelRender, LitTexturedPixels) {
   SaveTexture(TempDir() + "/red.tga", 200, 40, 40);
   SaveTexture(TempDir() + "/sub/blue.tga", 30, 60, 220);
   MS3DWriter w;
-  AddSquare(w, -2, 0, -1);   // textured, found next to the model
-  AddSquare(w, 0, 1, -1);    // texture in a subdirectory named with '\'
-  AddSquare(w, 2, 2, -1);    // texture missing: lit colour only
-  AddSquare(w, 3.5f, 9, -1); // no such material: default grey
-  w.Materials.push_back(Material(1, 1, 1, 1, "red.tga"));
-  w.Materials.push_back(Material(1, 1, 1, 1, "sub\\blue.tga"));
-  w.Materials.push_back(Material(0, 1, 0, 1, "missing.tga"));
+  AddSquare(w, -2, 0, -1);    // textured, found next to the model
+  AddSquare(w, 0, 1, -1);     // texture in a subdirectory named with '\'
+  AddSquare(w, 2, 2, -1);     // texture missing: lit colour only
+  AddSquare(w, 3.5f, 9, -1);  // no such material: default grey
+  w.Materials = {Material(1, 1, 1, 1, "red.tga"), Material(1, 1, 1, 1, "sub\\blue.tga"),
+                 Material(0, 1, 0, 1, "missing.tga")};
   ModelClass model;
   ASSERT_TRUE(model.Load(Save(w, "lit.ms3d").c_str()));
-  EXPECT_NE(model.Model->Materials[0].TextureId, 0u);
-  EXPECT_NE(model.Model->Materials[1].TextureId, 0u);
-  EXPECT_STREQ(model.Model->Materials[1].Texture, "sub\\blue.tga");
-  EXPECT_EQ(model.Model->Materials[2].TextureId, 0u);
-  EXPECT_STREQ(model.Model->Materials[2].Texture, "");
+  const std::vector<msMaterial> &m = model.Model->Materials;
+  EXPECT_TRUE(m[0].TextureId != 0 && m[1].TextureId != 0);
+  EXPECT_EQ(std::make_tuple(std::string(m[1].Texture), m[2].TextureId, std::string(m[2].Texture)),
+            std::make_tuple("sub\\blue.tga", 0u, ""));
   // Centring: the squares span x from -2.5 to 4.0.
   EXPECT_EQ(model.CentreOffset[0], -0.75f);
 
+  // The default material is diffuse 0.8 under a white light.
   BeginScene(true);
   model.Draw(0.75f, 0, 0, 0, 0, 0);
-  EXPECT_EQ(Px(-2, 0), (TkPixel{200, 40, 40}));
-  EXPECT_EQ(Px(0, 0), (TkPixel{30, 60, 220}));
-  EXPECT_EQ(Px(2, 0), (TkPixel{0, 255, 0}));
-  // Default material: diffuse 0.8 under a white light.
-  EXPECT_EQ(Px(3.5f, 0), (TkPixel{204, 204, 204}));
-  EXPECT_EQ(Px(-1, 0), kBlack);
-
+  ExpectPixels({{-2, 0, {200, 40, 40}}, {0, 0, {30, 60, 220}}, {2, 0, {0, 255, 0}}, {3.5f, 0, {204, 204, 204}},
+                {-1, 0, kBlack}});
   // Turned a quarter about Y the squares face away from the light's plane.
   BeginScene(true);
   model.Draw(0.75f, 0, 0, 0, 64, 0);
-  EXPECT_EQ(Px(-2, 0), kBlack);
+  ExpectPixels({{-2, 0, kBlack}});
 
-  GLuint texture = model.Model->Materials[0].TextureId;
+  GLuint texture = m[0].TextureId;
   EXPECT_TRUE(glIsTexture(texture));
   model.Unload();
   EXPECT_FALSE(glIsTexture(texture));
