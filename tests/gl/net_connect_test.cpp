@@ -171,7 +171,8 @@ TEST_F(ClientConnectTest, NumberedJoinThenServerGoodbye) {
   double end = NowMs() + 1000;
   while (Server.ReceivedCount < 3 && NowMs() < end) rest(5);
   Server.Finish();
-  EXPECT_EQ(ReceivedHex(Server.Host), (std::vector<std::string>{"01 07 00 5A 65 64 0D 20 4A 72 00", "03 01 00 00", "00 00"}));
+  EXPECT_EQ(ReceivedHex(Server.Host),
+            (std::vector<std::string>{"01 07 00 5A 65 64 0D 20 4A 72 00", "03 01 00 00", "00 00"}));
   for (const ReceivedPacket &p : Server.Host.Received) EXPECT_EQ(p.Channel, 0);
 }
 

@@ -164,7 +164,9 @@ TEST(PartAnnouncementTable, ByModeAndAnnounce) {
     EXPECT_FALSE(PartAnnouncement(mode, false, 3, 23).Send) << mode;
   }
   for (int mode : {GAME_MODE_NONE, GAME_MODE_SINGLE}) EXPECT_FALSE(PartAnnouncement(mode, true, 3, 23).Send) << mode;
-  auto tuple = [](const PartPacketClass &p) { return std::make_tuple(p.Send, p.Destination, (int)p.Type, p.WithPlayerId); };
+  auto tuple = [](const PartPacketClass &p) {
+    return std::make_tuple(p.Send, p.Destination, (int)p.Type, p.WithPlayerId);
+  };
   EXPECT_EQ(tuple(PartAnnouncement(GAME_MODE_SERVER, true, 3, 23)), std::make_tuple(true, (int)NP_TO_ALL, 23, true));
   EXPECT_EQ(tuple(PartAnnouncement(GAME_MODE_CLIENT, true, 10, 30)),
             std::make_tuple(true, (int)NP_TO_SERVER, 10, false));

@@ -106,7 +106,8 @@ TEST_F(ClientTest, QuitAndConsoleLines) {
   Console.Clear();
   Game.Players[1].PlayerName = "Me";
   EXPECT_TRUE(Apply(Shorts(20, {4})));
-  EXPECT_EQ(Console.Lines(), (std::vector<std::string>{"Me has left the game", "DeletePlayer: Not deleting local player 1"}));
+  EXPECT_EQ(Console.Lines(),
+            (std::vector<std::string>{"Me has left the game", "DeletePlayer: Not deleting local player 1"}));
   EXPECT_EQ(Ids(), (std::vector<int>{0, 4, 6}));
 
   // A lower-numbered player leaves: the local player moves down with its ID.

@@ -71,7 +71,8 @@ TEST_F(SendTest, RefusalsBeforeThePacketIsMade) {
   NetworkInitialised = false;
   EXPECT_FALSE(NP_SendPacket(NP_TO_ALL, 23, "%d,%d", 0, 1));
   EXPECT_EQ(PacketSkipPlayerId, -1);
-  EXPECT_EQ(Console.Lines(), std::vector<std::string>{"Can not send packet, network is not initialised (packet type=23)"});
+  EXPECT_EQ(Console.Lines(),
+            std::vector<std::string>{"Can not send packet, network is not initialised (packet type=23)"});
 
   // Alone on the server: true, the skip ID spent, nothing goes anywhere.
   NetworkInitialised = true;
@@ -125,7 +126,8 @@ TEST_F(SendTest, ServerGoodbyeIsFlushedAtOnce) {
   PumpUntil([&] { A.Service(1); }, [] { return false; }, 150);
   EXPECT_TRUE(A.Received.empty());
   EXPECT_TRUE(NP_SendPacket(NP_TO_ALL, 20, "%d", 5));
-  ASSERT_TRUE(PumpUntil([&] { A.Service(1); B.Service(); }, [&] { return A.Received.size() == 2 && B.Received.size() == 2; }, 1000));
+  ASSERT_TRUE(PumpUntil([&] { A.Service(1); B.Service(); },
+                        [&] { return A.Received.size() == 2 && B.Received.size() == 2; }, 1000));
   EXPECT_EQ(ReceivedHex(A), (std::vector<std::string>{"17 00 00 04 00 00", "14 05 00 00"}));
 }
 

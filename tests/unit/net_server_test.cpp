@@ -23,8 +23,6 @@ protected:
     Game.Ears.resize(2);
     Game.Noses.resize(2);
     Game.Mouths.resize(2);
-    Game.Eyebrows.resize(2);
-    Game.Moustaches.resize(2);
     Game.Feet.resize(2);
     Game.Hats.resize(2);
     Game.NextPlayerId = 0;
