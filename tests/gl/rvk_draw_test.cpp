@@ -5,6 +5,8 @@
 #include <GL/gl.h>
 #include <functional>
 #include <string>
+#include <tuple>
+#include <vector>
 #include "rvk/console.h"
 #include "rvk/core.h"
 #include "rvk/draw.h"
@@ -39,10 +41,11 @@ TEST(Draw, RectanglesIncludeBothFarEdges) {
   StartFrame();
   int white = makecol(255, 255, 255);
   const TkPixel Half{128, 128, 128}, Red{255, 0, 0};
+  // One pixel from (x, y) to (x, y); a width of 5 and height of 3.
   RVK_DrawRect(10, 10, 10, 10, white, true, 255);
-  ExpectPixels({{10, 10, White}, {9, 10, Black}, {11, 10, Black}, {10, 9, Black}, {10, 11, Black}, {11, 11, Black}});
   RVK_DrawRectWH(20, 10, 5, 3, white, true, 255);
-  ExpectPixels({{20, 10, White}, {24, 12, White}, {25, 12, Black}, {24, 13, Black}, {19, 10, Black}});
+  ExpectPixels({{10, 10, White}, {9, 10, Black}, {11, 10, Black}, {10, 9, Black}, {10, 11, Black}, {11, 11, Black},
+                {20, 10, White}, {24, 12, White}, {25, 12, Black}, {24, 13, Black}, {19, 10, Black}});
   RVK_DrawRect(40, 10, 50, 16, white, false, 255);
   ExpectPixels({{40, 10, White}, {45, 10, White}, {50, 10, White}, {40, 16, White}, {50, 16, White}, {40, 13, White},
                 {50, 13, White}, {41, 11, Black}, {51, 10, Black}, {40, 17, Black}, {40, 9, Black}, {39, 16, Black}});
@@ -56,34 +59,21 @@ TEST(Draw, RectanglesIncludeBothFarEdges) {
 
 TEST(Draw, BevelFieldAndWindowFrame) {
   StartFrame();
+  const TkPixel Red{255, 0, 0}, Green{0, 255, 0}, Field{212, 208, 200};
   RVK_DrawBevelBox(10, 10, 30, 30, makecol(255, 0, 0), makecol(0, 255, 0), makecol(0, 0, 255), 255);
-  EXPECT_EQ(TkReadPixel(20, 10), (TkPixel{255, 0, 0}));
-  EXPECT_EQ(TkReadPixel(10, 20), (TkPixel{255, 0, 0}));
-  EXPECT_EQ(TkReadPixel(20, 30), (TkPixel{0, 255, 0}));
-  EXPECT_EQ(TkReadPixel(30, 20), (TkPixel{0, 255, 0}));
-  EXPECT_EQ(TkReadPixel(20, 20), (TkPixel{0, 0, 255}));
   // The no-fill marker leaves the inside alone.
   RVK_DrawBevelBox(40, 10, 60, 30, makecol(255, 0, 0), makecol(0, 255, 0), RVK_Palette.NoFill, 255);
-  EXPECT_EQ(TkReadPixel(50, 20), Black);
-  EXPECT_EQ(TkReadPixel(50, 10), (TkPixel{255, 0, 0}));
-
   RVK_DrawFieldBox(100, 10, 50, 20);
-  EXPECT_EQ(TkReadPixel(100, 10), Black);
-  EXPECT_EQ(TkReadPixel(120, 11), Black);
-  EXPECT_EQ(TkReadPixel(120, 20), White);
-  EXPECT_EQ(TkReadPixel(120, 29), (TkPixel{212, 208, 200}));
-  EXPECT_EQ(TkReadPixel(149, 20), (TkPixel{212, 208, 200}));
+  ExpectPixels({{20, 10, Red}, {10, 20, Red}, {20, 30, Green}, {30, 20, Green}, {20, 20, {0, 0, 255}},
+                {50, 20, Black}, {50, 10, Red}, {100, 10, Black}, {120, 11, Black}, {120, 20, White},
+                {120, 29, Field}, {149, 20, Field}});
 
+  // The strip is drawn last: its lower edge lies on the body's upper edge.
   int h = text_height(RVK_FontStandard);
   RVK_DrawWindowFrame(200, 10, 400, 200, 255, "%s", "");
-  EXPECT_EQ(TkReadPixel(300, 10), (TkPixel{179, 179, 179}));
-  EXPECT_EQ(TkReadPixel(300, 12), (TkPixel{3, 3, 255}));
-  // The strip is drawn last: its lower edge lies on the body's upper edge.
-  EXPECT_EQ(TkReadPixel(300, 10 + h + 4), (TkPixel{79, 79, 79}));
-  EXPECT_EQ(TkReadPixel(300, 10 + h + 5), (TkPixel{147, 147, 147}));
-  EXPECT_EQ(TkReadPixel(200, 100), (TkPixel{211, 211, 211}));
-  EXPECT_EQ(TkReadPixel(300, 100), (TkPixel{147, 147, 147}));
-  EXPECT_EQ(TkReadPixel(300, 200), (TkPixel{107, 107, 107}));
+  ExpectPixels({{300, 10, {179, 179, 179}}, {300, 12, {3, 3, 255}}, {300, 10 + h + 4, {79, 79, 79}},
+                {300, 10 + h + 5, {147, 147, 147}}, {200, 100, {211, 211, 211}}, {300, 100, {147, 147, 147}},
+                {300, 200, {107, 107, 107}}});
   RVK_End2D(0);
 }
 
@@ -92,6 +82,10 @@ TEST(Draw, PercentSignsAreDrawnLiterally) {
   // would show a number instead.
   FONT *f = RVK_FontStandard;
   int low = text_length(f, "a%"), high = text_length(f, "a%d");
+  auto expectLiteral = [&](int right, int at) {
+    EXPECT_GE(right, low) << "at y " << at;
+    EXPECT_LT(right, high) << "at y " << at;
+  };
   std::function<void(int y)> calls[] = {
       [](int y) { RVK_DrawText(RVK_FontStandard, 10, y, makecol(255, 255, 255), "a%d"); },
       [](int y) { RVK_Printf(10, y, makecol(255, 255, 255), "%s", "a%d"); },
@@ -102,26 +96,21 @@ TEST(Draw, PercentSignsAreDrawnLiterally) {
   for (auto &call : calls) {
     StartFrame();
     call(y);
-    int right = RightmostInk(10, y, 200, y + 20, Black) - 10;
-    EXPECT_GE(right, low) << "at y " << y;
-    EXPECT_LT(right, high) << "at y " << y;
+    expectLiteral(RightmostInk(10, y, 200, y + 20, Black) - 10, y);
     RVK_End2D(0);
     y += 30;
   }
   // A title, and a console line.
   StartFrame();
   RVK_DrawWindowFrame(300, 10, 500, 100, 255, "%s", "a%d");
-  int right = RightmostInk(303, 12, 480, 12 + text_height(f), TkPixel{3, 3, 255}) - 303;
-  EXPECT_GE(right, low);
-  EXPECT_LT(right, high);
+  expectLiteral(RightmostInk(303, 12, 480, 12 + text_height(f), TkPixel{3, 3, 255}) - 303, 12);
   ConsoleLines.clear();
   RVK_Message("%s", "a%d");
   ASSERT_EQ(ConsoleLines.size(), 1u);
   EXPECT_EQ(ConsoleLines[0].Text, "a%d");
   RVK_DrawConsole();
-  right = RightmostInk(ConsoleLeft, ConsoleTop, 200, ConsoleTop + text_height(f) - 1, Black) - ConsoleLeft;
-  EXPECT_GE(right, low);
-  EXPECT_LT(right, high);
+  expectLiteral(RightmostInk(ConsoleLeft, ConsoleTop, 200, ConsoleTop + text_height(f) - 1, Black) - ConsoleLeft,
+                ConsoleTop);
   RVK_End2D(0);
   ConsoleLines.clear();
 }
@@ -133,6 +122,7 @@ TEST(Draw, ConsoleLinesAndBracket) {
   RVK_Message("");
 #pragma GCC diagnostic pop
   EXPECT_TRUE(ConsoleLines.empty());
+  // An empty text is a line; ten messages leave the last nine.
   RVK_Message("%s", "");
   ASSERT_EQ(ConsoleLines.size(), 1u);
   EXPECT_EQ(ConsoleLines[0].Text, "");
@@ -148,11 +138,9 @@ TEST(Draw, ConsoleLinesAndBracket) {
   int n = (int)ConsoleLines.size();
   StartFrame();
   RVK_DrawConsole();
-  EXPECT_EQ(TkReadPixel(1, ConsoleTop), White);
-  EXPECT_EQ(TkReadPixel(2, ConsoleTop), White);
-  EXPECT_EQ(TkReadPixel(1, ConsoleTop + n * h - 1), White);
-  EXPECT_EQ(TkReadPixel(2, ConsoleTop + n * h), White);
-  EXPECT_EQ(TkReadPixel(1, ConsoleTop - 1), Black);
+  // The bracket spans the lines; the recoloured last line shows red ink.
+  ExpectPixels({{1, ConsoleTop, White}, {2, ConsoleTop, White}, {1, ConsoleTop + n * h - 1, White},
+                {2, ConsoleTop + n * h, White}, {1, ConsoleTop - 1, Black}});
   bool red = false;
   for (int x = ConsoleLeft; x < 100 && !red; x++)
     for (int y = ConsoleTop + (n - 1) * h; y < ConsoleTop + n * h; y++)
@@ -167,16 +155,11 @@ TEST(Draw, ConsoleLinesAndBracket) {
   RVK_End2D(0);
 }
 
-static void ExpectCleanState(const char *call) {
-  GLfloat c[4];
-  glGetFloatv(GL_CURRENT_COLOR, c);
-  EXPECT_EQ(c[0], 1.0f) << call;
-  EXPECT_EQ(c[1], 1.0f) << call;
-  EXPECT_EQ(c[2], 1.0f) << call;
-  EXPECT_EQ(c[3], 1.0f) << call;
-  EXPECT_FALSE(glIsEnabled(GL_BLEND)) << call;
-  EXPECT_FALSE(glIsEnabled(GL_ALPHA_TEST)) << call;
-  EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D)) << call;
+// The colour left behind, and whether blending, alpha test and texturing are on.
+static std::tuple<std::vector<float>, GLboolean, GLboolean, GLboolean> State() {
+  std::vector<float> colour(4);
+  glGetFloatv(GL_CURRENT_COLOR, colour.data());
+  return {colour, glIsEnabled(GL_BLEND), glIsEnabled(GL_ALPHA_TEST), glIsEnabled(GL_TEXTURE_2D)};
 }
 
 TEST(Draw, EveryCallLeavesWhiteAndStatesOff) {
@@ -202,7 +185,7 @@ TEST(Draw, EveryCallLeavesWhiteAndStatesOff) {
   for (const Call &call : calls) {
     glColor4ub(10, 20, 30, 40);
     call.Run();
-    ExpectCleanState(call.Name);
+    EXPECT_EQ(State(), std::make_tuple(std::vector<float>(4, 1.0f), GL_FALSE, GL_FALSE, GL_FALSE)) << call.Name;
     // A texture drawn next at alpha 255 shows its true colours.
     RVK_DrawTexture(cancel, 200, 200, 0, true, 255);
     EXPECT_EQ(TkReadPixel(216, 216), (TkPixel{236, 52, 52})) << call.Name;
