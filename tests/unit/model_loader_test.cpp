@@ -89,20 +89,6 @@ const std::tuple<int, int, int, int, float, int, float> kNoSections{-1, -1, -1, 
 
 }  // namespace
 
-TEST(ModelLoader, WriterLaysOutHeaderAndRecordsLittleEndian) {
-  MS3DWriter w;
-  w.Vertices.push_back({7, {1.0f, 0, 0}, -3, 9});
-  w.CommentsSubVersion = 0;
-  Bytes b = w.Encode();
-  // magic, version 4, one vertex (15 bytes), three empty counts, animation
-  // (12 bytes), no joints, and nothing after: sub-version 0 ends the file.
-  ASSERT_EQ(b.size(), 10u + 4 + 2 + 15 + 2 + 2 + 2 + 12 + 2);
-  EXPECT_EQ(std::string(b.begin(), b.begin() + 10), "MS3D000000");
-  EXPECT_EQ(Bytes(b.begin() + 10, b.begin() + 21), (Bytes{4, 0, 0, 0, 1, 0, 7, 0, 0, 0x80, 0x3F}));
-  EXPECT_EQ(Bytes(b.begin() + 29, b.begin() + 31), (Bytes{0xFD, 9}));
-  EXPECT_EQ(Bytes(b.begin() + 37, b.begin() + 49), (Bytes{0, 0, 0xC0, 0x41, 0, 0, 0x80, 0x3F, 30, 0, 0, 0}));
-}
-
 TEST(ModelLoader, FullFileRoundTripsEveryFieldAndReloadsCleanly) {
   msModel m;
   ASSERT_TRUE(LoadBytes(m, FullModel().Encode()));
@@ -203,15 +189,16 @@ TEST(ModelLoader, OptionalSectionsFollowTheirSubVersions) {
 }
 
 TEST(ModelLoader, KeyTimesScaleByTheClampedFps) {
-  const float cases[][2] = {{0.0f, 1.0f}, {0.5f, 1.0f}, {1.0f, 1.0f}, {-3.0f, 1.0f}, {1.5f, 1.5f}, {30.0f, 30.0f}};
-  for (const auto &c : cases) {
+  // 24 frames a second is the full model's own, checked with its fields.
+  const std::pair<float, float> cases[] = {{0.0f, 1.0f}, {0.5f, 1.0f}, {1.0f, 1.0f}, {-3.0f, 1.0f}, {1.5f, 1.5f}};
+  for (auto [stored, used] : cases) {
     MS3DWriter w = FullModel();
-    w.AnimationFps = c[0];
+    w.AnimationFps = stored;
     msModel m;
     ASSERT_TRUE(LoadBytes(m, w.Encode()));
     EXPECT_EQ(std::make_tuple(m.AnimationFps, m.Joints[0].RotationKeys[0].Time, m.Joints[0].PositionKeys[1].Time),
-              std::make_tuple(c[1], 0.5f * c[1], 2.0f * c[1]))
-        << c[0];
+              std::make_tuple(used, 0.5f * used, 2.0f * used))
+        << stored;
   }
 }
 
