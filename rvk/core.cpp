@@ -310,15 +310,25 @@ void RVK_EndFrame() {
   allegro_gl_flip();
 }
 
+// The wait spins on the frame timer, giving the processor away for a moment
+// between readings: the drawing threads of a software renderer and the X
+// server need it to finish the frame, and a reading at most a fraction of a
+// millisecond late costs the timer nothing, since it counts earned ticks
+// rather than the moments it is asked.
+static void SpinOnFrameTimer() {
+  while (!FrameTimer.Tick()) {
+    struct timespec pause = {0, 250000};
+    nanosleep(&pause, nullptr);
+  }
+}
+
 void RVK_WaitFrame() {
   if (FrameTrace == nullptr) {
-    while (!FrameTimer.Tick()) {
-    }
+    SpinOnFrameTimer();
     return;
   }
   int64_t entered = RVK_ClockMicroseconds();
-  while (!FrameTimer.Tick()) {
-  }
+  SpinOnFrameTimer();
   int64_t released = RVK_ClockMicroseconds();
   std::fprintf(FrameTrace, "%lld %lld\n", (long long)released, (long long)(entered - FrameReleased));
   // Flushed at once so that a reader sees the frames while the program runs.
