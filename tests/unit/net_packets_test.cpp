@@ -54,7 +54,9 @@ TEST_F(PacketTest, TableHasItsRowsAndFieldCodes) {
   for (int t = 0; t < PACKET_TYPE_COUNT; t++) {
     bool empty = (t >= 11 && t <= 17) || (t >= 34 && t <= 39) || (t >= 41 && t <= 49);
     EXPECT_EQ(PacketTable[t].Name.empty(), empty) << t;
-    if (empty) EXPECT_EQ(PacketTable[t].FieldTypes[0], 0) << t;
+    if (empty) {
+      EXPECT_EQ(PacketTable[t].FieldTypes[0], 0) << t;
+    }
   }
 }
 
