@@ -5,7 +5,7 @@
 # Usage: tools/make-content.sh [build-directory]
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
-build=${1:-$here/build}
+build=$(realpath -m "${1:-$here/build}")
 cmake -S "$here" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$build" --target make_content -j2 >/dev/null
 stage=$(mktemp -d)

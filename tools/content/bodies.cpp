@@ -127,7 +127,8 @@ Vec3 Clamp(const Vec3 &p, const Vec3 &lo, const Vec3 &hi) {
 
 // Centres the model, then places every anchor on the shell: face parts a
 // little in front of the skin (-Z is towards the viewer), ears just under
-// the skin so their roots hide, feet and hat on the bottom and top.
+// the skin so their roots hide, feet on the underside (the feet hang from
+// there) and the hat on the top.
 void Finish(BodyContent &b, const Mesh &shellIn, const Layout &l) {
   Vec3 shift = b.Model.Centre();
   Mesh shell = shellIn;
@@ -147,9 +148,13 @@ void Finish(BodyContent &b, const Mesh &shellIn, const Layout &l) {
   Vec3 earR = SkinPoint(shell, at(0, l.EarY), Vec3(-std::cos(e), std::sin(e), 0));
   a.LeftEar = earL + Normalise(Vec3(std::cos(e), std::sin(e), 0)) * -3;
   a.RightEar = earR + Normalise(Vec3(-std::cos(e), std::sin(e), 0)) * -3;
-  a.LeftFoot = SkinPoint(shell, Vec3(l.FootX, 0, l.FootZ) + shift, Vec3(0, -1, 0)) + Vec3(0, 3, 0);
-  a.RightFoot = SkinPoint(shell, Vec3(-l.FootX, 0, l.FootZ) + shift, Vec3(0, -1, 0)) + Vec3(0, 3, 0);
-  a.Hat = SkinPoint(shell, Vec3(0, 0, l.HatZ) + shift, Vec3(0, 1, 0));
+  a.LeftFoot = SkinPoint(shell, Vec3(l.FootX, 0, l.FootZ) + shift, Vec3(0, -1, 0));
+  a.RightFoot = SkinPoint(shell, Vec3(-l.FootX, 0, l.FootZ) + shift, Vec3(0, -1, 0));
+  // The top is found a hair off the axis: where a surface closes at a pole,
+  // its last ring of vertices can leave a pinhole that a ray along the axis
+  // would pass through.
+  Vec3 top = SkinPoint(shell, Vec3(0.01, 0, l.HatZ + 0.01) + shift, Vec3(0, 1, 0));
+  a.Hat = Vec3(shift.x, top.y, l.HatZ + shift.z);
   // Every anchor stays inside the body's box, where the game expects it.
   Vec3 lo = b.Model.Min(), hi = b.Model.Max();
   for (Vec3 *p : {&a.LeftEye, &a.RightEye, &a.LeftEar, &a.RightEar, &a.Nose, &a.Mouth, &a.LeftEyebrow,

@@ -17,6 +17,10 @@ Vec3 Normalise(const Vec3 &a) {
 }
 
 bool CastRay(const Mesh &m, const Vec3 &origin, const Vec3 &dir, Vec3 &hit) {
+  // Edges count as inside, with a little to spare: a ray straight up through
+  // a pole meets only the corners of the triangles there, and rounding
+  // would let it slip between them.
+  const double edge = 1e-7;
   double best = 1e30;
   for (size_t i = 0; i + 2 < m.Indices.size(); i += 3) {
     const Vec3 &a = m.Vertices[m.Indices[i]].P, &b = m.Vertices[m.Indices[i + 1]].P,
@@ -26,10 +30,10 @@ bool CastRay(const Mesh &m, const Vec3 &origin, const Vec3 &dir, Vec3 &hit) {
     if (std::fabs(det) < 1e-12) continue;
     Vec3 s = origin - a;
     double u = Dot(s, p) / det;
-    if (u < 0 || u > 1) continue;
+    if (u < -edge || u > 1 + edge) continue;
     Vec3 q = Cross(s, e1);
     double v = Dot(dir, q) / det;
-    if (v < 0 || u + v > 1) continue;
+    if (v < -edge || u + v > 1 + edge) continue;
     double t = Dot(e2, q) / det;
     if (t > 1e-6 && t < best) best = t;
   }
@@ -174,6 +178,15 @@ Mesh SuperEllipsoid(double rx, double ry, double rz, double e1, double e2, int n
 }
 
 Mesh Sphere(double r, int nu, int nv) { return SuperEllipsoid(r, r, r, 1, 1, nu, nv); }
+
+Mesh Marker(double x, double y, double z) {
+  Mesh m;
+  MeshVertex v;
+  v.P = Vec3(x, y, z);
+  v.N = Vec3(0, 1, 0);
+  m.Vertices.push_back(v);
+  return m;
+}
 
 Mesh Lathe(const std::function<void(double v, double &r, double &y)> &profile, int nu, int nv, double sx, double sz,
            double e2, bool closed) {

@@ -60,6 +60,9 @@ Mesh Surface(int nu, int nv, const SurfaceFn &f, bool closed, bool flip = false)
 // pole, e2 the cross-section (1 and 1 is an ellipsoid, small values square).
 Mesh SuperEllipsoid(double rx, double ry, double rz, double e1, double e2, int nu = 32, int nv = 24);
 Mesh Sphere(double r, int nu = 32, int nv = 24);
+// A lone vertex that no triangle uses: it draws nothing but widens the
+// model's box, and so moves the box centre that the game puts on an anchor.
+Mesh Marker(double x, double y, double z);
 // Solid of revolution about Y: profile(v) gives radius and height, v from 0
 // (bottom) to 1 (top); radius 0 at both ends closes it.
 Mesh Lathe(const std::function<void(double v, double &r, double &y)> &profile, int nu = 36, int nv = 32,

@@ -189,15 +189,17 @@ Catalogue Eyes() {
 
 // ---------------------------------------------------------------- ears
 
-// A hidden root under an ear: it sits inside the head and lowers the box
-// centre, so the ear stands higher out of the head.
-Mesh Root(double r, double y) { return Sphere(r, 10, 8).Move(0, y, 0); }
+// The root of an ear: a marker below it that lowers the box centre, so that
+// the ear stands out of the head instead of sinking half into it.
+Mesh Root(double y) { return Marker(0, y, 0); }
 
 Catalogue Ears() {
   Catalogue cat{"ears.ini", "ears", "ears", true, false, {}, {}};
   cat.Parts.push_back(Pair("Teddy", "teddy", [](double side) {
     Kit k;
-    k.Add(SuperEllipsoid(13, 13, 7, 1, 1, 20, 14), k.Mat("fur", 150, 95, 55, 0.15f, 15));
+    Mesh ear = SuperEllipsoid(13, 13, 7, 1, 1, 20, 14);
+    ear.Append(Root(-26));
+    k.Add(ear, k.Mat("fur", 150, 95, 55, 0.15f, 15));
     Mesh inner = SuperEllipsoid(8, 8, 3, 1, 1, 16, 10);
     inner.Move(0, 1, -5);
     k.Add(inner, k.Mat("inner", 240, 170, 150, 0.15f, 15));
@@ -218,7 +220,7 @@ Catalogue Ears() {
     outer.Move(0, 14, 0);
     Mesh inner = cone(20, 8);
     inner.Move(0, 12, -3.5);
-    Mesh root = Root(7, -12);
+    Mesh root = Root(-19);
     root.Append(outer);
     root.Rotate('z', -side * 14);
     inner.Rotate('z', -side * 14);
@@ -233,7 +235,7 @@ Catalogue Ears() {
     ear.Move(0, 22, 0);
     Mesh inner = SuperEllipsoid(4.5, 18, 2, 1, 1, 16, 14);
     inner.Move(0, 22, -4);
-    Mesh root = Root(7, -12);
+    ear.Append(Root(-19));
     // The ear twitches now and then about its base.
     JointSpec j;
     j.Name = "ear";
@@ -244,7 +246,6 @@ Catalogue Ears() {
     inner.Bind(jt);
     ear.Rotate('z', -side * 8);
     inner.Rotate('z', -side * 8);
-    k.Add(root, fur);
     k.Add(ear, fur);
     k.Add(inner, k.Mat("inner", 255, 180, 200, 0.2f, 20));
     k.M.Frames = 72;
@@ -257,7 +258,7 @@ Catalogue Ears() {
     disc.Move(0, 10, 0);
     Mesh inner = SuperEllipsoid(12, 12, 2, 1, 1, 20, 12);
     inner.Move(0, 10, -3.2);
-    Mesh root = Root(6, -10);
+    Mesh root = Root(-30);
     root.Append(disc);
     root.Rotate('z', -side * 10);
     inner.Rotate('z', -side * 10);
@@ -293,7 +294,6 @@ Catalogue Ears() {
     Mesh stalk = Curve([=](double v) { return Vec3(side * 8 * v * v, -10 + 34 * v, 0); }, 1.8, 0.05, 16);
     Mesh ball = Sphere(6, 16, 12);
     ball.Move(side * 8, 26, 0);
-    Mesh root = Root(5, -12);
     JointSpec j;
     j.Name = "bop";
     j.Position = Vec3(0, -8, 0);
@@ -302,7 +302,7 @@ Catalogue Ears() {
     stalk.Bind(jt);
     ball.Bind(jt);
     k.M.Frames = 36;
-    k.Add(root, k.Mat("stalk", 60, 60, 70, 0.4f, 40));
+    stalk.Append(Root(-17));
     k.Add(stalk, k.Mat("stalk", 60, 60, 70, 0.4f, 40));
     k.Add(ball, k.Mat("bobble", 255, 90, 150, 0.7f, 90));
     return k;
@@ -363,7 +363,7 @@ Catalogue Noses() {
     k.Add(snout, pink);
     for (int s = -1; s <= 1; s += 2) {
       Mesh hole = SuperEllipsoid(2.2, 3.2, 1.2, 1, 1, 12, 8);
-      hole.Move(s * 4, 0, -5.4);
+      hole.Move(s * 4, 0, -7.8);
       k.Add(hole, k.Mat("nostril", 140, 50, 80, 0.2f, 10));
     }
     cat.Parts.push_back(Single("Piggy", "piggy", k));
@@ -474,7 +474,7 @@ Catalogue Mouths() {
         y = std::cos(t) * 3.5;
         r = 2.2 * std::pow(std::sin(t), 0.6) * (1 - 0.85 * v);
       }, 12, 10);
-      fang.Move(s * 6, -2.6, -1.5 + FaceBend(6));
+      fang.Move(s * 6, -4.6, -1.5 + FaceBend(6));
       k.Add(fang, k.Mat("fang", 255, 255, 255, 0.8f, 80));
     }
     cat.Parts.push_back(Single("Vampire", "vampire", k));
@@ -567,7 +567,7 @@ Catalogue Eyebrows() {
       double y = (zig < 0.5 ? zig : 1 - zig) * 6 - 1.5;
       return Vec3(x, y, FaceBend(x) * 0.6);
     }, 1.6, 0.1, 36);
-    k.Add(bolt, k.Mat("bolt", 255, 220, 40, 0.6f, 60));
+    k.Add(bolt, k.Mat("bolt", 40, 30, 120, 0.6f, 60));
     return k;
   }));
   return cat;
@@ -620,7 +620,7 @@ Catalogue Moustaches() {
     k.Add(Tube([](double v) {
       double x = -16 + 32 * v;
       return Vec3(x, -std::fabs(x) * 0.35, FaceBend(x));
-    }, [](double v) { return Capsule(v, 4.2, 0.15); }, 12, 30, Vec3(0, 0, -1)), hair(k, 210, 100, 40));
+    }, [](double v) { return Capsule(v, 4.2, 0.15); }, 12, 30, Vec3(0, 0, -1)), hair(k, 150, 65, 30));
     cat.Parts.push_back(Single("Chevron", "chevron", k));
   }
   {
@@ -676,6 +676,16 @@ Catalogue Moustaches() {
 }
 
 // ---------------------------------------------------------------- feet
+
+// Feet hang from the body. The game puts a part's box centre on its anchor,
+// which lies on the body's underside; a marker high above the foot raises
+// that centre to just below the top of the foot, so the foot shows beneath
+// the body with only its top tucked into it.
+void Hang(ModelSpec &m, double tuck = 3) {
+  Vec3 lo = m.Min(), hi = m.Max();
+  double top = hi.y - tuck;
+  m.Groups.back().Append(Marker((lo.x + hi.x) / 2, 2 * top - lo.y, (lo.z + hi.z) / 2));
+}
 
 Catalogue Feet() {
   Catalogue cat{"feet.ini", "feet", "feet", true, false, {}, {}};
@@ -756,7 +766,7 @@ Catalogue Feet() {
     int wheel = k.Mat("wheel", 255, 90, 160, 0.7f, 70);
     for (int i = 0; i < 2; i++) {
       Mesh w = SuperEllipsoid(4.5, 4.5, 3.5, 1, 1, 14, 10);
-      w.Rotate('y', 90).Move(0, -6, -9 + 18 * i);
+      w.Rotate('y', 90).Move(0, -4.5, -9 + 18 * i);
       k.Add(w, wheel);
     }
     return k;
@@ -769,6 +779,10 @@ Catalogue Feet() {
     k.Add(pom, k.Mat("pom", 255, 255, 255, 0.1f, 10));
     return k;
   }));
+  for (PartContent &p : cat.Parts) {
+    Hang(p.Left);
+    Hang(p.Right);
+  }
   return cat;
 }
 

@@ -91,7 +91,7 @@ void Background(int w, int h, const float inner[3], const float outer[3]) {
   glEnable(GL_DEPTH_TEST);
 }
 
-// Renders the models framed by their joint box, seen from `from` under the
+// Renders the models framed by the box of what they draw, seen from `from` under the
 // game's two lights, and writes a w x h TGA.
 bool Render(const std::vector<Placed> &models, int w, int h, const View &from, bool backFaces, const float inner[3],
             const float outer[3], const std::string &path) {
@@ -105,9 +105,17 @@ bool Render(const std::vector<Placed> &models, int w, int h, const View &from, b
   float lo[3] = {1e9f, 1e9f, 1e9f}, hi[3] = {-1e9f, -1e9f, -1e9f};
   for (const Placed &p : models) {
     const float at[3] = {p.X, p.Y, p.Z};
-    for (int c = 0; c < 3; c++) {
-      lo[c] = std::min(lo[c], at[c] + p.Model->BoundsMin[c]);
-      hi[c] = std::max(hi[c], at[c] + p.Model->BoundsMax[c]);
+    // Framed by what is drawn: the triangles' corners. A model's box may
+    // also hold lone vertices that only move the box centre the game uses.
+    for (const msTriangle &t : p.Model->Model->Triangles) {
+      for (uint16_t i : t.VertexIndices) {
+        if (i >= p.Model->Model->Vertices.size()) continue;
+        const float *v = p.Model->Model->Vertices[i].Position;
+        for (int c = 0; c < 3; c++) {
+          lo[c] = std::min(lo[c], at[c] + v[c]);
+          hi[c] = std::max(hi[c], at[c] + v[c]);
+        }
+      }
     }
   }
   const float fov = 30;
