@@ -313,8 +313,8 @@ bool PartSheet(const std::string &dir, int kind) {
   for (int i = 0; i < n; i++) {
     PlayerClass p = Plain(0);
     *PartNumber(p, kind) = i;
-    DrawCell(sheet, (i % columns) * CELL_W, (i / columns) * CELL_H, p, 1u << kind,
-             {PartName(kind, i), std::string(KIND_NAMES[kind]) + " " + std::to_string(i) + " on " + Game.Characters[0].Name});
+    const std::string where = std::string(KIND_NAMES[kind]) + " " + std::to_string(i) + " on " + Game.Characters[0].Name;
+    DrawCell(sheet, (i % columns) * CELL_W, (i / columns) * CELL_H, p, 1u << kind, {PartName(kind, i), where});
   }
   return SavePNG(sheet, dir + "/" + KIND_NAMES[kind] + ".png");
 }
