@@ -1,7 +1,7 @@
 // Times what a model costs at load: reading the file, centring it and
 // compiling its display lists, for the third-party models and for a large
 // generated model with a skeleton. Needs an X display for its GL context.
-// Usage: model_bench [MODEL_DIR]   (default ../shared/ms3d)
+// Usage: model_bench [MODEL_DIR]   (default tests/data/ms3d, run from the repository)
 #include <allegro.h>
 #include <alleggl.h>
 #include <dirent.h>
@@ -136,7 +136,7 @@ void Report(const std::string &name, const Timing &t) {
 }  // namespace
 
 int main(int argc, char **argv) {
-  std::string dir = argc > 1 ? argv[1] : "../shared/ms3d";
+  std::string dir = argc > 1 ? argv[1] : "tests/data/ms3d";
   if (allegro_init() != 0) {
     std::fprintf(stderr, "model_bench: allegro_init failed (no display?)\n");
     return 1;

@@ -80,7 +80,7 @@ TEST(Ms3dInfo, ThirdPartyModels) {
        "[\".\\\\jeep1.jpg\"]", "\"sections\": {},\n  \"animation_fps\": 1,\n  \"current_time\": "},
   };
   for (const Case &c : cases) {
-    ToolRun r = Info(std::string(TK_SHARED_DIR) + "/ms3d/" + c.File);
+    ToolRun r = Info(std::string(TK_MS3D_DIR) + "/" + c.File);
     ASSERT_EQ(r.Status, 0) << c.File << r.Err;
     const std::string &j = r.Out;
     for (const std::string &line :
