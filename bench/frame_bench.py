@@ -39,7 +39,7 @@ with tk.VirtualDisplay() as display:
     game = tk.Game(display, settings=tk.DEFAULT_SETTINGS, trace=True)
     try:
         game.start()
-        time.sleep(1.0)
+        game.wait_drawn()
         game.key("Return")  # New Game: every part at its first entry
         time.sleep(1.0)
         # Scroll the body bar with its Down button at the foot, one row a
@@ -51,15 +51,10 @@ with tk.VirtualDisplay() as display:
         game.click(65, 160 + 130 * (row - steps))
         game.move(700, 500)
         time.sleep(1.0)
-        with open(game.trace) as f:
-            skip = len(f.readlines())
-        time.sleep(seconds)
-        with open(game.trace) as f:
-            lines = f.readlines()[skip:]
+        frames = game.record_frames(seconds)
     finally:
         game.stop()
 
-frames = [tuple(int(v) for v in line.split()) for line in lines if len(line.split()) == 2]
 if len(frames) < 2:
     sys.exit("no frames were traced")
 busy = sorted(b for _, b in frames)

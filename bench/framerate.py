@@ -17,18 +17,13 @@ with tk.VirtualDisplay() as display:
     game = tk.Game(display, settings=tk.DEFAULT_SETTINGS, trace=True)
     try:
         game.start()
-        time.sleep(1.0)
+        game.wait_drawn()
         game.key("Return")  # New Game
         time.sleep(1.5)
-        with open(game.trace) as f:
-            skip = len(f.readlines())
-        time.sleep(seconds)
-        with open(game.trace) as f:
-            lines = f.readlines()[skip:]
+        frames = game.record_frames(seconds)
     finally:
         game.stop()
 
-frames = [tuple(int(v) for v in line.split()) for line in lines if len(line.split()) == 2]
 if len(frames) < 2:
     sys.exit("no frames were traced")
 span = (frames[-1][0] - frames[0][0]) / 1e6

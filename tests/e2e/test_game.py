@@ -41,15 +41,7 @@ def changed(a, b, threshold=60):
     return n
 
 
-class GameScreenTest(unittest.TestCase):
-    def setUp(self):
-        self.display = tk.VirtualDisplay()
-        self.game = tk.Game(self.display, settings=tk.DEFAULT_SETTINGS)
-
-    def tearDown(self):
-        self.game.stop()
-        self.display.stop()
-
+class GameScreenTest(tk.GameTestCase):
     def new_game(self):
         game = self.game.start()
         game.wait_drawn()

@@ -8,15 +8,7 @@ import tk
 VIEWER = (129, 162, 255)
 
 
-class MenuTest(unittest.TestCase):
-    def setUp(self):
-        self.display = tk.VirtualDisplay()
-        self.game = tk.Game(self.display, settings=tk.DEFAULT_SETTINGS)
-
-    def tearDown(self):
-        self.game.stop()
-        self.display.stop()
-
+class MenuTest(tk.GameTestCase):
     def test_help_esc_back_and_exit(self):
         game = self.game.start()
         game.wait_drawn()

@@ -11,6 +11,7 @@ import shutil
 import subprocess
 import tempfile
 import time
+import unittest
 
 BUILD_DIR = os.environ.get("TK_BUILD_DIR", os.path.join(os.path.dirname(__file__), "..", "..", "build"))
 GAME_DIR = os.environ.get("TK_GAME_DIR", os.path.join(BUILD_DIR, "game"))
@@ -298,6 +299,16 @@ class Game:
         except subprocess.TimeoutExpired:
             return None
 
+    def record_frames(self, seconds):
+        """The frames traced over the next `seconds`, as pairs of a time stamp
+        and a busy time, both in microseconds (needs trace=True)."""
+        with open(self.trace) as f:
+            skip = len(f.readlines())
+        time.sleep(seconds)
+        with open(self.trace) as f:
+            lines = f.readlines()[skip:]
+        return [tuple(int(v) for v in line.split()) for line in lines if len(line.split()) == 2]
+
     def output(self):
         self.log.flush()
         with open(self.path("output.log")) as f:
@@ -315,6 +326,18 @@ class Game:
         if self.proc is not None:
             self.log.close()
         shutil.rmtree(self.dir, ignore_errors=True)
+
+
+class GameTestCase(unittest.TestCase):
+    """A test with one game, with the default settings, on a display of its own."""
+
+    def setUp(self):
+        self.display = VirtualDisplay()
+        self.game = Game(self.display, settings=DEFAULT_SETTINGS)
+
+    def tearDown(self):
+        self.game.stop()
+        self.display.stop()
 
 
 def dismiss_message(display, timeout=10):
