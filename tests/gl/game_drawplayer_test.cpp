@@ -118,6 +118,11 @@ TEST(DrawPlayerTest, HatAnchorScaleRowAndStateLeftBehind) {
     glGetFloatv(GL_MODELVIEW_MATRIX, after);
     EXPECT_EQ(std::vector<float>(after, after + 16), before);
   }
+  // The body's frame picks its list by the model's own rule: frame 0.5 is
+  // list 1, which a model without joints doesn't have.
+  Game.Characters[0].Model.CurrentFrame = 0.5f;
+  Draw(player);
+  EXPECT_EQ(Column({300}), ".");
   Game.Characters[0].Model.Unload();
   Game.Hats[0].Model.Unload();
   Game.Characters.clear();
