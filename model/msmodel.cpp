@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 namespace {
 
@@ -397,13 +398,11 @@ int msModel::GetNumMaterials() const { return static_cast<int>(Materials.size())
 // read while bytes remain; a section that is cut short is dropped whole, it
 // and all after it count as absent, and the load still succeeds.
 bool msModel::Load(const char *path) {
-  FILE *file = std::fopen(path, "rb");
+  std::unique_ptr<FILE, int (*)(FILE *)> file(std::fopen(path, "rb"), std::fclose);
   if (!file) return false;
   Clear();
   std::vector<uint8_t> bytes;
-  bool read = ReadFile(file, bytes);
-  std::fclose(file);
-  if (!read) return false;
+  if (!ReadFile(file.get(), bytes)) return false;
 
   ByteCursor in(bytes.data(), bytes.size());
   char magic[sizeof MS3D_MAGIC - 1];

@@ -120,9 +120,9 @@ public:
   void SetupTangents();
   void SetFrame(float frame);
   void EvaluateJoint(int index, float frame);
-  void TransformVertex(const msVertex &vertex, float out[3]) const;
-  void TransformNormal(const msVertex &vertex, const float normal[3], float out[3]) const;
-  void GetVertexBonesAndWeights(const msVertex &vertex, int bones[4], int weights[4]) const;
+  void TransformVertex(const msVertex &vertex, float (&out)[3]) const;
+  void TransformNormal(const msVertex &vertex, const float (&normal)[3], float (&out)[3]) const;
+  void GetVertexBonesAndWeights(const msVertex &vertex, int (&bones)[4], int (&weights)[4]) const;
 
   // When false, Load reads textures' paths but uploads nothing (tools that
   // have no GL context); the material keeps its name and TextureId stays 0.

@@ -123,7 +123,7 @@ void msModel::EvaluateJoint(int index, float frame) {
     }
   }
 
-  float q[4] = {0, 0, 0, 1};
+  float q[4] = {0.0f, 0.0f, 0.0f, 1.0f};
   const std::vector<msKeyframe> &rk = joint.RotationKeys;
   if (!rk.empty()) {
     KeySpan span = FindSpan(rk, frame);
@@ -148,7 +148,7 @@ void msModel::EvaluateJoint(int index, float frame) {
   }
 }
 
-void msModel::GetVertexBonesAndWeights(const msVertex &vertex, int bones[4], int weights[4]) const {
+void msModel::GetVertexBonesAndWeights(const msVertex &vertex, int (&bones)[4], int (&weights)[4]) const {
   bones[0] = vertex.BoneId;
   for (int k = 0; k < 3; k++) bones[k + 1] = vertex.BoneIds[k];
   if (vertex.BoneWeights[0] == 0 && vertex.BoneWeights[1] == 0 && vertex.BoneWeights[2] == 0) {
@@ -164,18 +164,18 @@ namespace {
 
 // d times the transpose of the joint's bind rotation: from the bind pose into
 // the joint's own space.
-void IntoJointSpace(const float m[3][4], const float d[3], float p[3]) {
+void IntoJointSpace(const float (&m)[3][4], const float (&d)[3], float (&p)[3]) {
   for (int c = 0; c < 3; c++) p[c] = d[0] * m[0][c] + d[1] * m[1][c] + d[2] * m[2][c];
 }
 
 // A vertex's position (a point, which the joints also move) or one of its
 // normals (a direction, which they only turn) in the current pose.
-void Skin(const msModel &model, const msVertex &vertex, const float value[3], bool point, float out[3]) {
+void Skin(const msModel &model, const msVertex &vertex, const float (&value)[3], bool point, float (&out)[3]) {
   int bones[4], weights[4];
   model.GetVertexBonesAndWeights(vertex, bones, weights);
   int joints = static_cast<int>(model.Joints.size());
   if (bones[0] < 0 || bones[0] >= joints || model.CurrentTime < 0.0f) {
-    std::copy(value, value + 3, out);
+    std::memcpy(out, value, sizeof out);
     return;
   }
   int count = 0;
@@ -202,10 +202,10 @@ void Skin(const msModel &model, const msVertex &vertex, const float value[3], bo
 
 }  // namespace
 
-void msModel::TransformVertex(const msVertex &vertex, float out[3]) const {
+void msModel::TransformVertex(const msVertex &vertex, float (&out)[3]) const {
   Skin(*this, vertex, vertex.Position, true, out);
 }
 
-void msModel::TransformNormal(const msVertex &vertex, const float normal[3], float out[3]) const {
+void msModel::TransformNormal(const msVertex &vertex, const float (&normal)[3], float (&out)[3]) const {
   Skin(*this, vertex, normal, false, out);
 }

@@ -234,7 +234,8 @@ TEST(ModelRender, PlacedTurnedLitAndTextured) {
   }
 
   // The state each material leaves. Some rows start from the opposite of
-  // what they set: depth writes, alpha test and texturing off, blending on.
+  // what they set: depth writes, alpha test, texturing and two-sided light
+  // off, blending and texture generation on.
   const struct {
     int Index, Mode;
     bool Opposite;
@@ -252,6 +253,7 @@ TEST(ModelRender, PlacedTurnedLitAndTextured) {
   for (const auto &s : states) {
     if (s.Opposite) {
       glDepthMask(GL_FALSE), glDisable(GL_ALPHA_TEST), glDisable(GL_TEXTURE_2D), glEnable(GL_BLEND);
+      glEnable(GL_TEXTURE_GEN_S), glEnable(GL_TEXTURE_GEN_T);
       glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, GL_FALSE);
     }
     model.Model->TransparencyMode = s.Mode;

@@ -2,6 +2,7 @@
 // fallbacks, key tangents, skinned vertices and normals, and centring.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <vector>
@@ -26,11 +27,13 @@ msJoint Joint(const char *name, const char *parent, std::vector<msKeyframe> posi
 }
 
 // The skinned position and normal of a vertex, with a guard behind each.
-std::vector<float> Skinned(const msModel &m, const msVertex &v, const float normal[3]) {
-  float out[8] = {0, 0, 0, 7, 0, 0, 0, 7};
-  m.TransformVertex(v, out);
-  m.TransformNormal(v, normal, out + 4);
-  return {out[0], out[1], out[2], out[3], out[4], out[5], out[6], out[7]};
+std::vector<float> Skinned(const msModel &m, const msVertex &v, const float (&normal)[3]) {
+  struct {
+    float V[3], GuardV = 7, N[3], GuardN = 7;
+  } o;
+  m.TransformVertex(v, o.V);
+  m.TransformNormal(v, normal, o.N);
+  return {o.V[0], o.V[1], o.V[2], o.GuardV, o.N[0], o.N[1], o.N[2], o.GuardN};
 }
 
 }  // namespace
@@ -72,34 +75,36 @@ TEST(ModelMaths, ConcatTransformsIsTheProductWithAnImpliedLastRow) {
 }
 
 TEST(ModelMaths, SlerpEndsShorterWayAndFallbacks) {
-  const float a04[3] = {0, 0, 0.4f}, a10[3] = {0, 0, 1}, a07[3] = {0, 0, 0.7f};
-  float p[4], q[4], mid[4];
-  AngleQuaternion(a04, p), AngleQuaternion(a10, q), AngleQuaternion(a07, mid);
+  using Quat = std::array<float, 4>;
+  auto z = [](double angle) { return Quat{0, 0, float(std::sin(angle / 2)), float(std::cos(angle / 2))}; };
+  const Quat p = z(0.4), q = z(1), big = {1e20f, 2, 3, 4}, against = {-1e20f, 1e20f, 0, 0};
   const float s = std::sin(0.25f * M_PI);
   const struct {
-    std::vector<float> P, Q;
+    Quat P, Q;
     float T;
-    std::vector<double> Out, QAfter;
+    Quat Out, QAfter;
   } cases[] = {
-      {{p, p + 4}, {q, q + 4}, 0, {p, p + 4}, {q, q + 4}},
-      {{p, p + 4}, {q, q + 4}, 1, {q, q + 4}, {q, q + 4}},
+      {p, q, 0, p, q},
+      {p, q, 1, q, q},
+      {p, q, 0.3f, z(0.58), q},
       // The longer way round: q is negated in place.
-      {{p, p + 4}, {-q[0], -q[1], -q[2], -q[3]}, 0.5f, {mid, mid + 4}, {q, q + 4}},
+      {p, {-q[0], -q[1], -q[2], -q[3]}, 0.5f, z(0.7), q},
       // cosom exactly 1 fails the strict test: a linear blend.
-      {{0, 0, 0, 1}, {0, 0, 0.5f, 1}, 0.25f, {0, 0, 0.125, 1}, {0, 0, 0.5, 1}},
+      {{0, 0, 0, 1}, {0, 0, 0.5f, 1}, 0.25f, {0, 0, 0.125f, 1}, {0, 0, 0.5f, 1}},
       // Both distances overflow, so q stays, and cosom is -infinity: p turns
       // through (-p.y, p.x, -p.w, p.z), the fourth element staying p.z.
-      {{1e20f, 2, 3, 4}, {-1e20f, 1e20f, 0, 0}, 0, {1e20f, 2, 3, 3}, {-1e20f, 1e20f, 0, 0}},
-      {{1e20f, 2, 3, 4}, {-1e20f, 1e20f, 0, 0}, 1, {-2, 1e20f, -4, 3}, {-1e20f, 1e20f, 0, 0}},
-      {{1e20f, 2, 3, 4}, {-1e20f, 1e20f, 0, 0}, 0.5f, {s * 1e20f, s * 1e20f, -s, 3}, {-1e20f, 1e20f, 0, 0}},
+      {big, against, 0, {1e20f, 2, 3, 3}, against},
+      {big, against, 1, {-2, 1e20f, -4, 3}, against},
+      {big, against, 0.5f, {s * 1e20f, s * 1e20f, -s, 3}, against},
   };
   for (const auto &c : cases) {
-    std::vector<float> qq = c.Q;
-    float out[5] = {0, 0, 0, 0, 7};
-    QuaternionSlerp(c.P.data(), qq.data(), c.T, out);
+    float pp[4], qq[4], out[5] = {0, 0, 0, 0, 7};
+    std::copy(c.P.begin(), c.P.end(), pp);
+    std::copy(c.Q.begin(), c.Q.end(), qq);
+    QuaternionSlerp(pp, qq, c.T, reinterpret_cast<float(&)[4]>(out));
     for (int i = 0; i < 4; i++) {
       EXPECT_FLOAT_EQ(out[i], c.Out[i]) << c.T << " " << i;
-      EXPECT_EQ(qq[i], float(c.QAfter[i])) << c.T;
+      EXPECT_EQ(qq[i], c.QAfter[i]) << c.T;
     }
     EXPECT_EQ(out[4], 7);
   }
@@ -107,17 +112,18 @@ TEST(ModelMaths, SlerpEndsShorterWayAndFallbacks) {
 
 TEST(ModelSkeleton, TangentsCloseTheLoopOfPositionKeys) {
   msModel m;
-  m.Joints = {Joint("j", "", {{0, {0, 0, 0}}, {10, {10, 0, 0}}, {30, {0, 20, 0}}}),
+  m.Joints = {Joint("j", "", {{1, {2, 1, 0}}, {10, {10, 0, 0}}, {30, {0, 20, 0}}}),
               Joint("j", "", {{0, {0, 0, 0}}, {10, {10, 0, 0}}}),
-              Joint("j", "", {{0, {0, 0, 0}}, {5, {1, 1, 1}}, {0, {4, 0, 0}}})};
+              Joint("j", "", {{0, {2, 0, 0}}, {5, {1, 1, 1}}, {0, {4, 0, 0}}})};
   m.SetupJoints();
   std::vector<float> got;
   for (const msJoint &j : m.Joints)
     for (const msTangent &t : j.Tangents) got.insert(got.end(), {t.TangentIn[0], t.TangentIn[1], t.TangentOut[0], t.TangentOut[1]});
   // Two keys have none; equal times about a key give it none rather than
   // infinity.
-  ExpectNear(got.data(), {15, -30, -5, 10, 0, 20. / 3, 0, 40. / 3, 20, 0, -30, 0, 0, 0, 0, 0, 0, 0, 0, 0,
-                          0, 0, -3, 1, 0, 0, 0, 0, -1, -1, 0, 0});
+  ExpectNear(got.data(), {14.5, -29, -4.5, 9, -18. / 29, 171. / 29, -40. / 29, 380. / 29, 160. / 9, -20. / 9,
+                          -232. / 9, 29. / 9, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, -3, 1, 0, 0, 0, 0, 1, -1, 0, 0},
+             1e-5);
   ASSERT_EQ(got.size(), 32u);
   // Two keys ease in and out: a quarter of the time is 15.625 % of the way.
   // Equal times of the first and last key: at 5 no pair spans the frame, and
@@ -130,7 +136,7 @@ TEST(ModelSkeleton, TangentsCloseTheLoopOfPositionKeys) {
 
 TEST(ModelSkeleton, SkinnedVertexAndNormalFollowTheKeys) {
   msModel m;
-  m.Joints = {Joint("root", "", {{0, {0, 0, 0}}, {10, {10, 0, 0}}, {30, {0, 20, 0}}}),
+  m.Joints = {Joint("root", "", {{0, {1, -1, 2}}, {10, {10, 0, 0}}, {30, {0, 20, 0}}}),
               Joint("child", "root", {{4, {1, -2, 0.5f}}})};
   const float rotation[2][3] = {{0.3f, -0.7f, 1.1f}, {0.2f, 0.4f, -0.5f}}, position[2][3] = {{1, 2, 3}, {0.5f, -1, 2}};
   for (int i = 0; i < 2; i++) {
@@ -145,10 +151,10 @@ TEST(ModelSkeleton, SkinnedVertexAndNormalFollowTheKeys) {
   // Worked out apart from the program, from the bind pose and the keys.
   const std::pair<float, std::vector<double>> frames[] = {
       {-1, {2, 1, -1, 0.36, 0.48, 0.8}},
-      {0, {3.24731, 0.705715, -1.4976, 0.36, 0.48, 0.8}},
-      {4, {2.82434, 2.91845, 1.07846, 0.457806, 0.52581, 0.603429}},
+      {0, {4.50041, -0.241393, 0.381957, 0.36, 0.48, 0.8}},
+      {4, {3.67645, 2.27442, 2.35656, 0.457806, 0.52581, 0.603429}},
       {10, {4.15369, 9.40924, 7.75302, 0.43583, 0.00516968, 0.292227}},
-      {25, {-16.16, 6.35508, 4.46103, 0.43583, 0.00516968, 0.292227}},
+      {25, {-15.8468, 6.11831, 4.93092, 0.43583, 0.00516968, 0.292227}},
       {30, {-18.0708, 7.8663, 5.83137, 0.43583, 0.00516968, 0.292227}},
   };
   for (const auto &f : frames) {
@@ -165,9 +171,10 @@ TEST(ModelSkeleton, SkinnedVertexAndNormalFollowTheKeys) {
 
 TEST(ModelSkeleton, BonesAndWeightsOfAVertex) {
   msModel m;
-  // Joints that shift by 10 along x, y and z; the third names itself as its
-  // parent and is posed as a root.
-  m.Joints = {Joint("a", "", {{0, {10, 0, 0}}}), Joint("b", "", {{0, {0, 10, 0}}}), Joint("s", "s", {{0, {0, 0, 10}}})};
+  // A joint that shifts by 10 along x, one without keys that stays in its
+  // bind pose, and one that shifts along z, which names itself as its parent
+  // and is posed as a root.
+  m.Joints = {Joint("a", "", {{0, {10, 0, 0}}}), Joint("b", ""), Joint("s", "s", {{0, {0, 0, 10}}})};
   m.SetupJoints();
   m.SetFrame(0);
   const struct {
@@ -180,8 +187,8 @@ TEST(ModelSkeleton, BonesAndWeightsOfAVertex) {
       {int8_t(200), {1, 0, 0}, {0, 0, 0}, {-56, 1, 0, 0}, {100, 0, 0, 0}, {1, 1, 1}},
       {3, {0, 0, 0}, {0, 0, 0}, {3, 0, 0, 0}, {100, 0, 0, 0}, {1, 1, 1}},
       {0, {1, 0, 0}, {0, 50, 0}, {0, 1, 0, 0}, {0, 50, 0, 50}, {11, 1, 1}},
-      {0, {1, 2, 0}, {60, 30, 10}, {0, 1, 2, 0}, {60, 30, 10, 0}, {7, 4, 2}},
-      {0, {1, 2, 1}, {60, 30, 5}, {0, 1, 2, 1}, {60, 30, 5, 5}, {7, 4.5, 1.5}},
+      {0, {1, 2, 0}, {60, 30, 10}, {0, 1, 2, 0}, {60, 30, 10, 0}, {7, 1, 2}},
+      {0, {1, 2, 1}, {60, 30, 5}, {0, 1, 2, 1}, {60, 30, 5, 5}, {7, 1, 1.5}},
       {0, {-1, 0, 0}, {50, 50, 0}, {0, -1, 0, 0}, {50, 50, 0, 0}, {5.5, 0.5, 0.5}},
       {2, {0, 0, 0}, {100, 50, 0}, {2, 0, 0, 0}, {100, 50, 0, -50}, {6.5, 1.5, 11.5}},
   };
