@@ -65,12 +65,7 @@ bool LoadModel(ModelClass &model, const CatalogueInfo &info, const char *key, co
   error = model.Error;
   // A failed Load keeps its msModel for a next Load that never comes: the
   // entry is dropped, so the msModel goes with it.
-  model.Unload();
-  if (model.ModelAllocated) {
-    delete model.Model;
-    model.Model = nullptr;
-    model.ModelAllocated = false;
-  }
+  if (model.ModelAllocated) delete model.Model;
   return false;
 }
 
@@ -104,37 +99,33 @@ bool LoadModels(HatEntry &e, const CatalogueInfo &info, const char *section, std
 
 // ---- Keys beyond models, thumbnail and name ----
 
-void ReadPoint(const char *section, const char *prefix, float point[3], const float defaults[3]) {
-  static const char *const axes[3] = {"X", "Y", "Z"};
-  for (int i = 0; i < 3; i++) {
-    std::string key = std::string(prefix) + axes[i];
-    point[i] = get_config_float(section, key.c_str(), defaults[i]);
-  }
+// Every coordinate defaults to 0 but a camera's Z.
+void ReadPoint(const char *section, const std::string &prefix, float *point, float zDefault = 0) {
+  point[0] = get_config_float(section, (prefix + "X").c_str(), 0);
+  point[1] = get_config_float(section, (prefix + "Y").c_str(), 0);
+  point[2] = get_config_float(section, (prefix + "Z").c_str(), zDefault);
 }
 
 void ReadKeys(CharacterEntry &e, const char *section) {
-  static const float zero[3] = {0, 0, 0};
-  static const float camera[3] = {0, 0, -500.0f};
   e.Scale = get_config_float(section, "scale", 1.0f);
-  ReadPoint(section, "Camera", e.CameraPos, camera);
-  ReadPoint(section, "Target", e.TargetPos, zero);
-  ReadPoint(section, "LeftEye", e.LeftEye, zero);
-  ReadPoint(section, "RightEye", e.RightEye, zero);
-  ReadPoint(section, "LeftEar", e.LeftEar, zero);
-  ReadPoint(section, "RightEar", e.RightEar, zero);
-  ReadPoint(section, "Nose", e.Nose, zero);
-  ReadPoint(section, "Mouth", e.Mouth, zero);
-  ReadPoint(section, "LeftEyebrow", e.LeftEyebrow, zero);
-  ReadPoint(section, "RightEyebrow", e.RightEyebrow, zero);
-  ReadPoint(section, "Moustache", e.Moustache, zero);
-  ReadPoint(section, "LeftFoot", e.LeftFoot, zero);
-  ReadPoint(section, "RightFoot", e.RightFoot, zero);
-  ReadPoint(section, "Hat", e.Hat, zero);
+  ReadPoint(section, "Camera", e.CameraPos, -500.0f);
+  ReadPoint(section, "Target", e.TargetPos);
+  ReadPoint(section, "LeftEye", e.LeftEye);
+  ReadPoint(section, "RightEye", e.RightEye);
+  ReadPoint(section, "LeftEar", e.LeftEar);
+  ReadPoint(section, "RightEar", e.RightEar);
+  ReadPoint(section, "Nose", e.Nose);
+  ReadPoint(section, "Mouth", e.Mouth);
+  ReadPoint(section, "LeftEyebrow", e.LeftEyebrow);
+  ReadPoint(section, "RightEyebrow", e.RightEyebrow);
+  ReadPoint(section, "Moustache", e.Moustache);
+  ReadPoint(section, "LeftFoot", e.LeftFoot);
+  ReadPoint(section, "RightFoot", e.RightFoot);
+  ReadPoint(section, "Hat", e.Hat);
 }
 
 void ReadKeys(HatEntry &e, const char *section) {
-  static const float zero[3] = {0, 0, 0};
-  ReadPoint(section, "Offset", e.Offset, zero);
+  ReadPoint(section, "Offset", e.Offset);
   e.BackFaces = get_config_int(section, "backfaces", 0) != 0;
 }
 
@@ -171,6 +162,8 @@ bool LoadCatalogue(GameClass &game, std::vector<Entry> &entries, PickerBarClass 
                    int background) {
   set_config_file(RVK_NativePath(info.File).c_str());
   int count = get_config_int("info", "count", 0);
+  // A missing file reads as a count of 0. The load ends there, and what it
+  // has taken so far stays: the menu goes on showing its backdrop.
   if (count == 0) {
     game.LoadError = info.EmptyText;
     return false;
@@ -199,7 +192,12 @@ bool LoadCatalogue(GameClass &game, std::vector<Entry> &entries, PickerBarClass 
     ReadKeys(e, section);
     bar.Add(e.Thumbnail, e.Name.c_str());
   }
-  if (entries.empty()) return false;
+  if (entries.empty()) {
+    // Bodies come first: without one only the backdrops are taken, and they
+    // stay. A later catalogue without entries releases everything.
+    if (info.NoneText) UnloadGame(game);
+    return false;
+  }
   RVK_Message(info.LogText, (int)entries.size());
   return true;
 }
@@ -234,8 +232,6 @@ bool LoadGame(GameClass &game) {
 
   const int grey = makecol(151, 151, 151);
   const int blue = makecol(51, 127, 178);
-  // A false answer always leaves nothing loaded behind, whichever catalogue
-  // stopped the load, so a failed reload neither leaks nor keeps half a game.
   bool ok = LoadCatalogue(game, game.Characters, game.CharacterBar, CHARACTERS, grey) &&
             LoadCatalogue(game, game.Eyes, game.EyesBar, EYES, blue) &&
             LoadCatalogue(game, game.Ears, game.EarsBar, EARS, blue) &&
@@ -245,10 +241,7 @@ bool LoadGame(GameClass &game) {
             LoadCatalogue(game, game.Moustaches, game.MoustacheBar, MOUSTACHES, blue) &&
             LoadCatalogue(game, game.Feet, game.FeetBar, FEET, blue) &&
             LoadCatalogue(game, game.Hats, game.HatBar, HATS, blue);
-  if (!ok) {
-    UnloadGame(game);
-    return false;
-  }
+  if (!ok) return false;
 
   if (SoundOn) {
     // A cue that can't be read stays null; playing it says so on the console.
@@ -265,8 +258,25 @@ bool LoadGame(GameClass &game) {
   return true;
 }
 
+bool CataloguesLoaded(const GameClass &game) {
+  const size_t sizes[9] = {game.Characters.size(), game.Eyes.size(),     game.Ears.size(),
+                           game.Noses.size(),      game.Mouths.size(),   game.Eyebrows.size(),
+                           game.Moustaches.size(), game.Feet.size(),     game.Hats.size()};
+  for (size_t size : sizes)
+    if (size == 0) return false;
+  return true;
+}
+
 void UnloadGame(GameClass &game) {
-  for (int i = 0; i < 9; i++) game.Bar(i).Free();
+  game.CharacterBar.Free();
+  game.EyesBar.Free();
+  game.EarsBar.Free();
+  game.NoseBar.Free();
+  game.MouthBar.Free();
+  game.EyebrowsBar.Free();
+  game.MoustacheBar.Free();
+  game.FeetBar.Free();
+  game.HatBar.Free();
   game.MenuBackTexture.Free();
   game.NoneTexture.Free();
   game.ConnectingTexture.Free();

@@ -49,3 +49,5 @@ public:
 class GameClass;
 bool LoadGame(GameClass &game);
 void UnloadGame(GameClass &game);
+// True when every catalogue holds an entry, as after a LoadGame that succeeded.
+bool CataloguesLoaded(const GameClass &game);
