@@ -6,6 +6,7 @@
 #include <cstring>
 #include <strings.h>
 #include "rvk/core.h"
+#include "rvk/filecheck.h"
 
 ConfigClass Config;
 bool SoundOn = false;
@@ -49,7 +50,7 @@ void LoadConfig(ConfigClass &config) {
     desktopWidth = FALLBACK_WIDTH;
     desktopHeight = FALLBACK_HEIGHT;
   }
-  set_config_file(config.ConfigFileName.c_str());
+  RVK_SetConfigFile(config.ConfigFileName.c_str());
   config.ScreenWidth = ReadScreenSize("width", desktopWidth);
   config.ScreenHeight = ReadScreenSize("height", desktopHeight);
   config.ColourDepth = get_config_int("video", "bpp", 32);
@@ -64,7 +65,7 @@ void LoadConfig(ConfigClass &config) {
 
 bool SaveConfig(ConfigClass &config) {
   // The catalogues were the current configuration since LoadGame: select ours again.
-  set_config_file(config.ConfigFileName.c_str());
+  RVK_SetConfigFile(config.ConfigFileName.c_str());
   set_config_int("video", "width", config.ScreenWidth);
   set_config_int("video", "height", config.ScreenHeight);
   set_config_int("video", "bpp", config.ColourDepth);
