@@ -28,7 +28,7 @@ TEST(CheckData, ShippedDataPassesAndABrokenCopyListsEveryProblem) {
 
   // A copy made of links to the shipped files, with some of them replaced.
   const std::string dir = testing::TempDir() + "checkdata", data = dir + "/data/";
-  ASSERT_EQ(std::system(("rm -rf " + dir + " && mkdir " + dir + " && cp -rs " TK_SOURCE_DIR "/data " + dir).c_str()), 0);
+  ASSERT_EQ(std::system(("rm -rf " + dir + "; mkdir " + dir + " && cp -rs " TK_SOURCE_DIR "/data " + dir).c_str()), 0);
   Write(data + "eyes.ini",
         "[info]\ncount = 3\ncolour = blue\n[eyes0]\nLeftModel = googly_left.ms3d\nRightModel = googly_right.ms3d\n"
         "thumb = gone.tga\n[eyes1]\nLefModel = googly_left.ms3d\nRightModel = broken.ms3d\nthumb = googly_thumb.tga\n"
