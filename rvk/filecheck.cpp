@@ -181,9 +181,10 @@ std::string RVK_CheckWav(const uint8_t *data, size_t size) {
 // surrogates or code points beyond U+10FFFF. Allegro also writes some lines
 // back in a form that it then reads differently, so that the settings written
 // are not the settings read: lines holding control characters other than
-// tabs, and section lines other than a plain "[name]". Those are refused, and
-// so are long lines: Allegro's reader writes past a buffer on lines of about
-// 250 bytes that hold characters beyond ASCII.
+// tabs (a carriage return only before a line feed), and section lines other
+// than a plain "[name]". Those are refused, and so are long lines: Allegro's
+// reader writes past a buffer on lines of about 250 bytes that hold
+// characters beyond ASCII.
 std::string RVK_CheckConfigText(const uint8_t *data, size_t size) {
   int line = 1;
   size_t lineStart = 0;
@@ -192,8 +193,8 @@ std::string RVK_CheckConfigText(const uint8_t *data, size_t size) {
     size_t length = Utf8Length(c);
     if (length == 0 || length > size - i || !Utf8Complete(data + i, length))
       return Reason("not UTF-8 text (line %d)", line, 0);
-    if ((c < ' ' || c == 0x7F) && c != '\t' && c != '\n' && c != '\r')
-      return Reason("a control character (line %d)", line, 0);
+    bool lineEnd = c == '\n' || (c == '\r' && i + 1 < size && data[i + 1] == '\n');
+    if ((c < ' ' || c == 0x7F) && c != '\t' && !lineEnd) return Reason("a control character (line %d)", line, 0);
     if (c != '\n' && i + length - lineStart > CONFIG_MAX_LINE)
       return Reason("a line longer than %d bytes (line %d)", (int)CONFIG_MAX_LINE, line);
     if (c != '\n' && i + length < size) continue;

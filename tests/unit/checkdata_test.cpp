@@ -26,7 +26,7 @@ TEST(CheckData, ShippedDataPassesAndABrokenCopyListsEveryProblem) {
   EXPECT_EQ(Check(TK_GAME_DIR, status), "No problems found.\n");
   EXPECT_EQ(status, 0);
 
-  // A copy made of links to the shipped files, with some of them replaced.
+  // Links to the shipped files, some replaced.
   const std::string dir = testing::TempDir() + "checkdata", data = dir + "/data/";
   ASSERT_EQ(std::system(("rm -rf " + dir + "; mkdir " + dir + " && cp -rs " TK_SOURCE_DIR "/data " + dir).c_str()), 0);
   Write(data + "eyes.ini",
