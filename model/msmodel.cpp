@@ -13,6 +13,8 @@
 #include <cstring>
 #include <memory>
 
+#include "rvk/filecheck.h"
+
 namespace {
 
 // ---------------------------------------------------------------------------
@@ -164,7 +166,7 @@ void LoadMaterialTexture(msMaterial &material, const char *modelPath, bool uploa
   for (char &ch : path) {
     if (ch == '\\') ch = '/';
   }
-  BITMAP *bitmap = path.empty() ? nullptr : load_bitmap(path.c_str(), nullptr);
+  BITMAP *bitmap = path.empty() ? nullptr : RVK_LoadBitmap(path.c_str());
   if (!bitmap) {
     material.Texture[0] = '\0';
     return;
