@@ -1,8 +1,12 @@
 // ModelClass: loads one model, centres it, compiles it into display lists
-// (two per animation frame) and draws it with one glCallList.
+// (two per animation frame) and draws it with one glCallList. The lists of an
+// animated model share what doesn't move: the groups that no joint moves are
+// compiled once and called by every frame, and the second list of a frame
+// calls the first.
 #include "model/modelclass.h"
 
 #include <chrono>
+#include <vector>
 
 int32_t ModelClock() {
   // Counted from the first reading, so the 32-bit value lasts for weeks.
@@ -69,10 +73,11 @@ void ModelClass::BuildLists() {
     ListsValid = false;
   }
   ListRange = 0;
+  FrameLists = 0;
   if (Model->Joints.empty()) {
     ListBase = glGenLists(1);
     if (ListBase == 0) return;
-    ListRange = 1;
+    ListRange = FrameLists = 1;
     glNewList(ListBase, GL_COMPILE);
     Model->SetFrame(-1.0f);
     CurrentFrame = 0;
@@ -84,15 +89,30 @@ void ModelClass::BuildLists() {
 
   int32_t frames = Model->TotalFrames;
   if (frames > 0 && frames <= MODEL_MAX_FRAMES) {
-    ListBase = glGenLists(2 * frames);
+    std::vector<GroupRun> runs = StillRuns(*Model);
+    GLsizei frameLists = 2 * frames;
+    ListBase = glGenLists(frameLists + static_cast<GLsizei>(runs.size()));
     if (ListBase != 0) {
-      ListRange = 2 * frames;
-      for (GLsizei i = 0; i < ListRange; i++) {
+      ListRange = frameLists + static_cast<GLsizei>(runs.size());
+      FrameLists = frameLists;
+      // Groups that no joint moves are compiled once, behind the frame
+      // lists, and every frame calls them in their place: the picture is the
+      // same, the copies of the mesh are not.
+      for (size_t r = 0; r < runs.size(); r++) {
+        glNewList(ListBase + frameLists + static_cast<GLuint>(r), GL_COMPILE);
+        for (size_t g = runs[r].First; g < runs[r].Last; g++) RenderGroup(Model->Groups[g]);
+        glEndList();
+      }
+      for (GLsizei i = 0; i < frameLists; i += 2) {
         int k = i / 2;
         glNewList(ListBase + i, GL_COMPILE);
         Model->SetFrame(static_cast<float>(k));
         CurrentFrame = static_cast<float>(k);
-        Render();
+        RenderFrame(runs, ListBase + frameLists);
+        glEndList();
+        // The second list of a frame holds the same pose: it calls the first.
+        glNewList(ListBase + i + 1, GL_COMPILE);
+        glCallList(ListBase + i);
         glEndList();
       }
       ListsValid = true;
@@ -102,36 +122,80 @@ void ModelClass::BuildLists() {
   CurrentFrame = 0;
 }
 
-int ModelClass::ListCount() const { return ListsValid ? ListRange : 0; }
+int ModelClass::ListCount() const { return ListsValid ? FrameLists : 0; }
+
+std::vector<GroupRun> StillRuns(const msModel &model) {
+  std::vector<GroupRun> runs;
+  for (size_t g = 0; g < model.Groups.size(); g++) {
+    if (!GroupIsStill(model, model.Groups[g])) continue;
+    if (!runs.empty() && runs.back().Last == g)
+      runs.back().Last = g + 1;
+    else
+      runs.push_back({g, g + 1});
+  }
+  return runs;
+}
+
+bool GroupIsStill(const msModel &model, const msGroup &group) {
+  // Skinning leaves a vertex where it is stored when its first joint is
+  // none or out of range, at every frame alike.
+  const int joints = static_cast<int>(model.Joints.size());
+  for (uint16_t t : group.TriangleIndices) {
+    if (t >= model.Triangles.size()) continue;
+    for (uint16_t v : model.Triangles[t].VertexIndices) {
+      if (v >= model.Vertices.size()) continue;
+      int bone = model.Vertices[v].BoneId;
+      if (bone >= 0 && bone < joints) return false;
+    }
+  }
+  return true;
+}
 
 void ModelClass::Render() {
-  const msModel &m = *Model;
   glEnable(GL_DEPTH_TEST);
-  for (const msGroup &group : m.Groups) {
-    SetupMaterial(group.MaterialIndex);
-    glBegin(GL_TRIANGLES);
-    for (uint16_t t : group.TriangleIndices) {
-      // A triangle or corner that points outside the model is left out whole,
-      // so the triangles after it keep their corners together.
-      if (t >= m.Triangles.size()) continue;
-      const msTriangle &tri = m.Triangles[t];
-      if (tri.VertexIndices[0] >= m.Vertices.size() || tri.VertexIndices[1] >= m.Vertices.size() ||
-          tri.VertexIndices[2] >= m.Vertices.size()) {
-        continue;
-      }
-      for (int c = 0; c < 3; c++) {
-        const msVertex &v = m.Vertices[tri.VertexIndices[c]];
-        float normal[3], position[3];
-        m.TransformNormal(v, tri.VertexNormals[c], normal);
-        m.TransformVertex(v, position);
-        glTexCoord2f(tri.S[c], tri.T[c]);
-        glNormal3fv(normal);
-        glVertex3fv(position);
-      }
+  for (const msGroup &group : Model->Groups) RenderGroup(group);
+  SetupMaterial(-1);
+}
+
+void ModelClass::RenderFrame(const std::vector<GroupRun> &runs, GLuint runLists) {
+  glEnable(GL_DEPTH_TEST);
+  size_t next = 0;
+  for (size_t g = 0; g < Model->Groups.size(); g++) {
+    if (next < runs.size() && runs[next].First == g) {
+      glCallList(runLists + static_cast<GLuint>(next));
+      g = runs[next].Last - 1;
+      next++;
+      continue;
     }
-    glEnd();
+    RenderGroup(Model->Groups[g]);
   }
   SetupMaterial(-1);
+}
+
+void ModelClass::RenderGroup(const msGroup &group) {
+  const msModel &m = *Model;
+  SetupMaterial(group.MaterialIndex);
+  glBegin(GL_TRIANGLES);
+  for (uint16_t t : group.TriangleIndices) {
+    // A triangle or corner that points outside the model is left out whole,
+    // so the triangles after it keep their corners together.
+    if (t >= m.Triangles.size()) continue;
+    const msTriangle &tri = m.Triangles[t];
+    if (tri.VertexIndices[0] >= m.Vertices.size() || tri.VertexIndices[1] >= m.Vertices.size() ||
+        tri.VertexIndices[2] >= m.Vertices.size()) {
+      continue;
+    }
+    for (int c = 0; c < 3; c++) {
+      const msVertex &v = m.Vertices[tri.VertexIndices[c]];
+      float normal[3], position[3];
+      m.TransformNormal(v, tri.VertexNormals[c], normal);
+      m.TransformVertex(v, position);
+      glTexCoord2f(tri.S[c], tri.T[c]);
+      glNormal3fv(normal);
+      glVertex3fv(position);
+    }
+  }
+  glEnd();
 }
 
 void ModelClass::SetupMaterial(int index) {
@@ -204,7 +268,7 @@ void ModelClass::Draw(float x, float y, float z, float rx, float ry, float rz) {
   // The frame picks the list; one outside the compiled range (a model
   // without lists, or a frame made unusable by a damaged file) draws nothing.
   double list = 2.0 * CurrentFrame;
-  if (ListsValid && list >= 0.0 && list < ListRange) glCallList(ListBase + static_cast<GLuint>(list));
+  if (ListsValid && list >= 0.0 && list < FrameLists) glCallList(ListBase + static_cast<GLuint>(list));
   glPopMatrix();
 }
 

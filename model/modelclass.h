@@ -2,9 +2,17 @@
 // lists, one pair of lists per animation frame, drawn with one glCallList.
 #pragma once
 #include <GL/gl.h>
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 #include "model/msmodel.h"
+
+// Groups First up to but not including Last, in file order.
+struct GroupRun {
+  size_t First = 0;
+  size_t Last = 0;
+};
 
 class ModelClass {
 public:
@@ -34,13 +42,28 @@ public:
   void BuildLists();
   void Render();
   void SetupMaterial(int index);
-  // Number of display lists BuildLists made (0 when there are none).
+  // Number of lists a frame can draw, from ListBase on: two per animation
+  // frame, or the one of a model without joints (0 when there are none).
   int ListCount() const;
 
+  // The whole model as Render issues it, with each run of still groups
+  // replaced by a call of its list, the runs' lists numbered from runLists.
+  void RenderFrame(const std::vector<GroupRun> &runs, GLuint runLists);
+  // One group: its material, then its triangles in the current pose.
+  void RenderGroup(const msGroup &group);
+
   // Number of names BuildLists reserved from ListBase, kept so that the
-  // lists are deleted in the number reserved.
+  // lists are deleted in the number reserved: the frame lists, then one list
+  // for each run of still groups of an animated model.
   GLsizei ListRange = 0;
+  GLsizei FrameLists = 0;
 };
+
+// A group is still when no corner of it is bound to a joint: skinning leaves
+// it as stored at every frame.
+bool GroupIsStill(const msModel &model, const msGroup &group);
+// The runs of consecutive still groups of a model, in file order.
+std::vector<GroupRun> StillRuns(const msModel &model);
 
 // Frames compiled at most: each frame is two full copies of the mesh, so a
 // longer animation is taken as a damaged file and gets no lists.

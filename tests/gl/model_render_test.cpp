@@ -230,6 +230,35 @@ TEST(ModelRender, ListsPerFrameAndTheFrameClock) {
   model.Unload();
 }
 
+// Groups that no joint moves are compiled once and called by every frame,
+// in their place among the groups that move: two still squares above, the
+// sliding one between them and a still one below.
+TEST(ModelRender, StillGroupsDrawnInEveryFrame) {
+  MS3DWriter w = SlidingSquare(30);
+  w.Groups.clear();
+  w.Triangles.clear();
+  w.Vertices.clear();
+  const float places[4][2] = {{-3, 2}, {3, 2}, {0, 0}, {0, -2}};
+  for (int g = 0; g < 4; g++) {
+    AddSquare(w, places[g][0], -1, g == 2 ? 0 : -1);
+    for (size_t v = w.Vertices.size() - 4; v < w.Vertices.size(); v++) w.Vertices[v].Position[1] += places[g][1];
+  }
+  ModelClass model;
+  ASSERT_TRUE(model.Load(Save(w, "shared.ms3d").c_str())) << model.Error;
+  EXPECT_EQ(model.ListCount(), 60);
+  for (GLuint list : {0u, 1u, 58u, 59u}) {
+    BeginScene(false);
+    glCallList(model.ListBase + list);
+    const float slide = list < 2 ? -2.0f : 2.0f;
+    ExpectPixels({{-3, 2, kWhite}, {3, 2, kWhite}, {0, -2, kWhite}, {slide, 0, kWhite}, {-slide, 0, kBlack}});
+  }
+  // The shared lists go with the others.
+  GLuint base = model.ListBase;
+  EXPECT_TRUE(glIsList(base + 60) && glIsList(base + 61));
+  model.Unload();
+  EXPECT_FALSE(glIsList(base + 60) || glIsList(base + 61));
+}
+
 TEST(ModelRender, MaterialStateLeftBehind) {
   MS3DWriter w;
   AddSquare(w, -2, 0, -1);
