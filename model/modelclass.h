@@ -8,11 +8,18 @@
 #include <vector>
 #include "model/msmodel.h"
 
-// Groups First up to but not including Last, in file order.
-struct GroupRun {
-  size_t First = 0;
-  size_t Last = 0;
+// How the frame lists of an animated model draw one group: compiled into
+// every frame, or from a list shared by all frames, called as it is (a run of
+// still groups, which the run's first group holds) or under the motion of
+// the one joint that carries the group whole.
+struct GroupShare {
+  int Joint = -1;       // GROUP_STILL, GROUP_SKINNED or the joint's index
+  int List = -1;        // number of the shared list, -1 when there is none
+  size_t Last = 0;      // the groups from this one up to Last are in its list
+  bool InRun = false;   // in the list of an earlier still group
 };
+const int GROUP_STILL = -1;
+const int GROUP_SKINNED = -2;
 
 class ModelClass {
 public:
@@ -46,24 +53,28 @@ public:
   // frame, or the one of a model without joints (0 when there are none).
   int ListCount() const;
 
-  // The whole model as Render issues it, with each run of still groups
-  // replaced by a call of its list, the runs' lists numbered from runLists.
-  void RenderFrame(const std::vector<GroupRun> &runs, GLuint runLists);
+  // The whole model as Render issues it in the current pose, with the groups
+  // that have a shared list drawn from it; those lists are numbered from
+  // sharedLists.
+  void RenderFrame(const std::vector<GroupShare> &shares, GLuint sharedLists);
   // One group: its material, then its triangles in the current pose.
   void RenderGroup(const msGroup &group);
 
   // Number of names BuildLists reserved from ListBase, kept so that the
-  // lists are deleted in the number reserved: the frame lists, then one list
-  // for each run of still groups of an animated model.
+  // lists are deleted in the number reserved: the frame lists, then the
+  // shared lists of an animated model.
   GLsizei ListRange = 0;
   GLsizei FrameLists = 0;
 };
 
-// A group is still when no corner of it is bound to a joint: skinning leaves
-// it as stored at every frame.
-bool GroupIsStill(const msModel &model, const msGroup &group);
-// The runs of consecutive still groups of a model, in file order.
-std::vector<GroupRun> StillRuns(const msModel &model);
+// GROUP_STILL when skinning leaves every corner of the group as stored, the
+// index of the joint when one joint alone carries every corner with all the
+// weight, else GROUP_SKINNED.
+int GroupJoint(const msModel &model, const msGroup &group);
+// How every group of a model is drawn in its frame lists.
+std::vector<GroupShare> ShareGroups(const msModel &model);
+// The joint's motion from the bind pose to its current pose, as a GL matrix.
+void JointMotion(const msJoint &joint, float matrix[16]);
 
 // Frames compiled at most: each frame is two full copies of the mesh, so a
 // longer animation is taken as a damaged file and gets no lists.

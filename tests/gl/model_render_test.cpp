@@ -230,33 +230,60 @@ TEST(ModelRender, ListsPerFrameAndTheFrameClock) {
   model.Unload();
 }
 
-// Groups that no joint moves are compiled once and called by every frame,
-// in their place among the groups that move: two still squares above, the
-// sliding one between them and a still one below.
-TEST(ModelRender, StillGroupsDrawnInEveryFrame) {
+// The lists of an animated model share what keeps its shape. Above, two
+// still squares and between them one that the slide carries with half the
+// weight, so it shrinks towards the origin; in the middle, one that the
+// slide carries whole; below, one stretched between a still side and a
+// sliding side, one that a second joint (bound a quarter turned) turns a
+// quarter about its foot, and a still one.
+TEST(ModelRender, SharedListsInEveryFrame) {
   MS3DWriter w = SlidingSquare(30);
   w.Groups.clear();
   w.Triangles.clear();
   w.Vertices.clear();
-  const float places[4][2] = {{-3, 2}, {3, 2}, {0, 0}, {0, -2}};
-  for (int g = 0; g < 4; g++) {
-    AddSquare(w, places[g][0], -1, g == 2 ? 0 : -1);
-    for (size_t v = w.Vertices.size() - 4; v < w.Vertices.size(); v++) w.Vertices[v].Position[1] += places[g][1];
+  const float quarter = 1.5707964f;
+  msJoint &turn = w.Joints.emplace_back();
+  std::strcpy(turn.Name, "turn");
+  turn.Position[0] = -3, turn.Position[1] = -2.5f, turn.Rotation[2] = quarter;
+  turn.RotationKeys = {{0.0f, {0, 0, 0}}, {29.0f / 8, {0, 0, quarter}}};
+  // x, y, and the joints of the left and the right side of each square.
+  const int8_t none = -1, slide = 0, turned = 1;
+  const struct {
+    float X, Y;
+    int8_t Left, Right;
+    uint8_t Weight;
+  } squares[7] = {{-3, 2, none, none, 0}, {3, 2, none, none, 0}, {0, 2, slide, slide, 50}, {0, 0, slide, slide, 0},
+                  {0, -2, none, slide, 0}, {-3, -2, turned, turned, 0}, {3, -2, none, none, 0}};
+  for (const auto &q : squares) {
+    AddSquare(w, q.X, -1, q.Left);
+    // AddSquare's corners run lower left, lower right, upper right, upper left.
+    for (int c = 0; c < 4; c++) {
+      msVertex &v = w.Vertices[w.Vertices.size() - 4 + static_cast<size_t>(c)];
+      v.Position[1] += q.Y;
+      v.BoneWeights[0] = q.Weight;
+      if (c == 1 || c == 2) v.BoneId = q.Right;
+    }
   }
   ModelClass model;
   ASSERT_TRUE(model.Load(Save(w, "shared.ms3d").c_str())) << model.Error;
   EXPECT_EQ(model.ListCount(), 60);
   for (GLuint list : {0u, 1u, 58u, 59u}) {
+    SCOPED_TRACE(list);
     BeginScene(false);
     glCallList(model.ListBase + list);
-    const float slide = list < 2 ? -2.0f : 2.0f;
-    ExpectPixels({{-3, 2, kWhite}, {3, 2, kWhite}, {0, -2, kWhite}, {slide, 0, kWhite}, {-slide, 0, kBlack}});
+    const bool last = list >= 58;
+    const float x = last ? 2.0f : -2.0f;
+    ExpectPixels({{-3, 2, kWhite}, {3, 2, kWhite}, {3, -2, kWhite}, {x, 0, kWhite}, {-x, 0, kBlack},
+                  {last ? 1.5f : -1.0f, -2, kWhite}, {last ? -1.0f : 1.5f, -2, kBlack},
+                  {-3, -1.8f, last ? kBlack : kWhite}, {-3.6f, -2.4f, last ? kWhite : kBlack}, {x / 2, 1, kWhite},
+                  {-x / 2, 1, kBlack}});
   }
-  // The shared lists go with the others.
+  // Two runs of still squares and the two carried whole have shared lists,
+  // which go with the others.
   GLuint base = model.ListBase;
-  EXPECT_TRUE(glIsList(base + 60) && glIsList(base + 61));
+  EXPECT_TRUE(glIsList(base + 60) && glIsList(base + 63));
   model.Unload();
-  EXPECT_FALSE(glIsList(base + 60) || glIsList(base + 61));
+  EXPECT_FALSE(glIsList(base + 60) || glIsList(base + 63));
 }
 
 TEST(ModelRender, MaterialStateLeftBehind) {
