@@ -4,6 +4,9 @@
 #include <allegro.h>
 #include <GL/gl.h>
 #include <cstdlib>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include "app/game.h"
 #include "app/parts.h"
 #include "app/scene.h"
@@ -99,11 +102,21 @@ static void CreateToolbar(ToolbarClass &toolbar) {
   toolbar.AddButton("Exit", "exit", KEY_ESC);
 }
 
+// The catalogues come back in pieces of other sizes than the ones they
+// freed, and the C library keeps freed pages for itself; handing them back
+// keeps a session that reloads again and again at the memory of one load.
+static void ReleaseFreedMemory() {
+#ifdef __GLIBC__
+  malloc_trim(0);
+#endif
+}
+
 // Answers false when the game can't go on. A reload that fails has left the
 // catalogues empty (LoadGame releases all on a failure), and with no body
 // nothing can be drawn or picked: the user is told why and the game ends.
 static bool ReloadData(GameClass &game) {
   UnloadGame(game);
+  ReleaseFreedMemory();
   if (!LoadGame(game) || game.Characters.empty()) {
     for (size_t i = 0; i < game.Players.size(); i++) game.Players[i].Character = nullptr;
     RVK_MessageBox("%s", game.LoadError.c_str());
