@@ -1,9 +1,7 @@
 // Start-up benchmark: brings the program up as main does, with the shipped
 // data in the working directory, and prints how long each stage takes and
-// the resident memory after it, the catalogues' load above all; then reloads
-// the data as F5 does, 1 + RELOADS times, and prints how the memory grew
-// over the last RELOADS. Run from the game directory on a display:
-//   startup_bench [RELOADS]   (20 by default; 0 leaves the reloads out)
+// the resident memory after it, the catalogues' load above all. Run from the
+// game directory on a display.
 #include <allegro.h>
 #include <GL/gl.h>
 #include <chrono>
@@ -33,8 +31,7 @@ static double Seconds(std::chrono::steady_clock::time_point a, std::chrono::stea
   return std::chrono::duration<double>(b - a).count();
 }
 
-int main(int argc, char **argv) {
-  const int reloads = argc > 1 ? std::atoi(argv[1]) : 20;
+int main() {
   auto t0 = std::chrono::steady_clock::now();
   if (allegro_init() != 0) {
     std::fprintf(stderr, "allegro_init failed (no display?)\n");
@@ -69,27 +66,6 @@ int main(int argc, char **argv) {
   UnloadGame(Game);
   auto t5 = std::chrono::steady_clock::now();
   std::printf("UnloadGame:     %7.3f s, resident %6.1f MB\n", Seconds(t4, t5), ResidentMB());
-
-  // A reload is UnloadGame and LoadGame, as the game's F5 does them. The
-  // first one settles what a first load leaves behind; the others should
-  // leave the memory where it was.
-  if (reloads <= 0) {
-    RVK_Shutdown();
-    return 0;
-  }
-  double first = 0;
-  for (int i = 0; i <= reloads; i++) {
-    if (i > 0) UnloadGame(Game);
-    if (!LoadGame(Game)) {
-      std::fprintf(stderr, "LoadGame failed on reload %d: %s\n", i + 1, Game.LoadError.c_str());
-      return 1;
-    }
-    if (i == 0) first = ResidentMB();
-  }
-  double last = ResidentMB();
-  std::printf("reloads:        resident %6.1f MB after the first, %6.1f MB after %d more: %+.2f %% (target at most 1 %%)\n",
-              first, last, reloads, (last - first) / first * 100.0);
-  UnloadGame(Game);
   RVK_Shutdown();
   return 0;
 }
