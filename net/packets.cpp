@@ -51,40 +51,49 @@ int NP_FieldCount(int type) {
   return count;
 }
 
+// Each row's type, name and parameter description; only the first letter of
+// each parameter counts, the names after it are documentation.
+static const struct {
+  int Type;
+  const char *Name, *Description;
+} PacketRows[] = {
+    {PACKET_REPORT_QUIT, "Report Quit", ""},
+    {PACKET_REPORT_PLAYER_NAME, "Report Player Name", "text PlayerName"},
+    {PACKET_REPORT_CHARACTER, "Report Character", "short int ChracterNumber"},
+    {PACKET_REPORT_EYES, "Report Eyes", "short int EyesNumber"},
+    {PACKET_REPORT_EARS, "Report Ears", "short int EarsNumber"},
+    {PACKET_REPORT_NOSE, "Report Nose", "short int NoseNumber"},
+    {PACKET_REPORT_MOUTH, "Report Mouth", "short int MouthNumber"},
+    {PACKET_REPORT_EYEBROWS, "Report Eyebrows", "short int EyebrowsNumber"},
+    {PACKET_REPORT_MOUSTACHE, "Report Moustache", "short int MoustacheNumber"},
+    {PACKET_REPORT_FEET, "Report Feet", "short int FeetNumber"},
+    {PACKET_REPORT_HAT, "Report Hat", "short int HatNumber"},
+    {PACKET_UPDATE_JOINED, "Update Joined", "short int PlayerId, short int PlayerCount"},
+    {PACKET_UPDATE_PLAYER_ID, "Update Player ID", "short int PlayerId, short int NewPlayerId"},
+    {PACKET_UPDATE_QUIT, "Update Quit", "short int PlayerId"},
+    {PACKET_UPDATE_PLAYER_NAME, "Update Player Name", "short int PlayerId, text PlayerName"},
+    {PACKET_UPDATE_CHARACTER, "Update Character", "short int PlayerId, short int CharacterNumber"},
+    {PACKET_UPDATE_EYES, "Update Eyes", "short int PlayerId, short int EyesNumber"},
+    {PACKET_UPDATE_EARS, "Update Ears", "short int PlayerId, short int EarsNumber"},
+    {PACKET_UPDATE_NOSE, "Update Nose", "short int PlayerId, short int NoseNumber"},
+    {PACKET_UPDATE_MOUTH, "Update Mouth", "short int PlayerId, short int MouthNumber"},
+    {PACKET_UPDATE_EYEBROWS, "Update Eyebrows", "short int PlayerId, short int EyebrowsNumber"},
+    {PACKET_UPDATE_MOUSTACHE, "Update Moustache", "short int PlayerId, short int MoustacheNumber"},
+    {PACKET_UPDATE_FEET, "Update Feet", "short int PlayerId, short int FeetNumber"},
+    {PACKET_UPDATE_HAT, "Update Hat", "short int PlayerId, short int HatNumber"},
+    {PACKET_UPDATE_EYES_ORI_X, "Update Eyes Ori X", "short int PlayerId, float x"},
+    {PACKET_UPDATE_EYES_ORI_Y, "Update Eyes Ori Y", "short int PlayerId, float y"},
+    {PACKET_UPDATE_EYEBROWS_Y, "Update Eyebrows Y", "short int PlayerId, float y"},
+    {PACKET_SET_PLAYER_NUMBER, "Set Player Number", "short int NewPlayerNumber, short int PlayerCount"},
+    {PACKET_PING, "Ping", ""},
+    {PACKET_PONG, "Pong", ""},
+    {PACKET_CONSOLE_MESSAGE, "Console Message", "short int PlayerId, int TextColour, text message"},
+    {PACKET_VERSION_INFO, "Version Info", "text info"},
+};
+
 void NP_InitPacketTable() {
   for (int type = 0; type < PACKET_TYPE_COUNT; type++) NP_RegisterPacket(type, "", "");
-  NP_RegisterPacket(0, "Report Quit", "");
-  NP_RegisterPacket(1, "Report Player Name", "text PlayerName");
-  NP_RegisterPacket(2, "Report Character", "short int ChracterNumber");
-  NP_RegisterPacket(3, "Report Eyes", "short int EyesNumber");
-  NP_RegisterPacket(4, "Report Ears", "short int EarsNumber");
-  NP_RegisterPacket(5, "Report Nose", "short int NoseNumber");
-  NP_RegisterPacket(6, "Report Mouth", "short int MouthNumber");
-  NP_RegisterPacket(7, "Report Eyebrows", "short int EyebrowsNumber");
-  NP_RegisterPacket(8, "Report Moustache", "short int MoustacheNumber");
-  NP_RegisterPacket(9, "Report Feet", "short int FeetNumber");
-  NP_RegisterPacket(10, "Report Hat", "short int HatNumber");
-  NP_RegisterPacket(18, "Update Joined", "short int PlayerId, short int PlayerCount");
-  NP_RegisterPacket(19, "Update Player ID", "short int PlayerId, short int NewPlayerId");
-  NP_RegisterPacket(20, "Update Quit", "short int PlayerId");
-  NP_RegisterPacket(21, "Update Player Name", "short int PlayerId, text PlayerName");
-  NP_RegisterPacket(22, "Update Character", "short int PlayerId, short int CharacterNumber");
-  NP_RegisterPacket(23, "Update Eyes", "short int PlayerId, short int EyesNumber");
-  NP_RegisterPacket(24, "Update Ears", "short int PlayerId, short int EarsNumber");
-  NP_RegisterPacket(25, "Update Nose", "short int PlayerId, short int NoseNumber");
-  NP_RegisterPacket(26, "Update Mouth", "short int PlayerId, short int MouthNumber");
-  NP_RegisterPacket(27, "Update Eyebrows", "short int PlayerId, short int EyebrowsNumber");
-  NP_RegisterPacket(28, "Update Moustache", "short int PlayerId, short int MoustacheNumber");
-  NP_RegisterPacket(29, "Update Feet", "short int PlayerId, short int FeetNumber");
-  NP_RegisterPacket(30, "Update Hat", "short int PlayerId, short int HatNumber");
-  NP_RegisterPacket(31, "Update Eyes Ori X", "short int PlayerId, float x");
-  NP_RegisterPacket(32, "Update Eyes Ori Y", "short int PlayerId, float y");
-  NP_RegisterPacket(33, "Update Eyebrows Y", "short int PlayerId, float y");
-  NP_RegisterPacket(40, "Set Player Number", "short int NewPlayerNumber, short int PlayerCount");
-  NP_RegisterPacket(50, "Ping", "");
-  NP_RegisterPacket(51, "Pong", "");
-  NP_RegisterPacket(52, "Console Message", "short int PlayerId, int TextColour, text message");
-  NP_RegisterPacket(53, "Version Info", "text info");
+  for (const auto &row : PacketRows) NP_RegisterPacket(row.Type, row.Name, row.Description);
 }
 
 // ---- Texts ------------------------------------------------------------------
