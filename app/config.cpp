@@ -4,6 +4,7 @@
 #include <allegro.h>
 #include <cstring>
 #include <strings.h>
+#include "rvk/filecheck.h"
 
 ConfigClass Config;
 bool SoundOn = false;
@@ -30,7 +31,7 @@ void LoadConfig(ConfigClass &config) {
     desktopWidth = 800;
     desktopHeight = 600;
   }
-  set_config_file(config.ConfigFileName.c_str());
+  RVK_SetConfigFile(config.ConfigFileName.c_str());
   config.ScreenWidth = get_config_int("video", "width", desktopWidth);
   config.ScreenHeight = get_config_int("video", "height", desktopHeight);
   config.ColourDepth = get_config_int("video", "bpp", 32);
@@ -45,7 +46,7 @@ void LoadConfig(ConfigClass &config) {
 
 void SaveConfig(ConfigClass &config) {
   // The catalogues were the current configuration since LoadGame: select ours again.
-  set_config_file(config.ConfigFileName.c_str());
+  RVK_SetConfigFile(config.ConfigFileName.c_str());
   set_config_int("video", "width", config.ScreenWidth);
   set_config_int("video", "height", config.ScreenHeight);
   set_config_int("video", "bpp", config.ColourDepth);

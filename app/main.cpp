@@ -10,6 +10,7 @@
 #include "character/catalogue.h"
 #include "rvk/console.h"
 #include "rvk/core.h"
+#include "rvk/datafile.h"
 #include "rvk/messagebox.h"
 // Last: it brings in X11 macros (Status, CurrentTime) that clash with our field names.
 #include <alleggl.h>
@@ -24,7 +25,7 @@ int main(int argc, char **argv) {
   install_keyboard();
   set_keyboard_rate(900, 50);
 
-  DATAFILE *datafile = load_datafile(DATAFILE_NAME);
+  DATAFILE *datafile = RVK_LoadDatafile(DATAFILE_NAME);
   if (!datafile) {
     allegro_message("Unable to load %s", DATAFILE_NAME);
     return 1;

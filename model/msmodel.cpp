@@ -11,6 +11,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "rvk/filecheck.h"
+
 namespace {
 
 // ---------------------------------------------------------------------------
@@ -162,7 +164,7 @@ static void LoadMaterialTexture(msMaterial &material, const char *modelPath, boo
   for (char &ch : path) {
     if (ch == '\\') ch = '/';
   }
-  BITMAP *bitmap = path.empty() ? nullptr : load_bitmap(path.c_str(), nullptr);
+  BITMAP *bitmap = path.empty() ? nullptr : RVK_LoadBitmap(path.c_str());
   if (!bitmap) {
     material.Texture[0] = '\0';
     return;

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <ctime>
 #include "rvk/console.h"
+#include "rvk/datafile.h"
 #include "rvk/draw.h"
 #include "rvk/textfield.h"
 #include "rvk/texture.h"
@@ -77,7 +78,7 @@ void RVK_SetupPalette() {
 // With `type` other than DAT_END an object of another type counts as absent
 // and is released here. The DATAFILE record itself is always released here.
 static void *ReadDatafileObject(const char *name, int type) {
-  if (name == nullptr) return nullptr;
+  if (name == nullptr || !RVK_DatafileIsSound(DatafileName)) return nullptr;
   DATAFILE *object = load_datafile_object(DatafileName, name);
   if (object == nullptr) return nullptr;
   if (type != DAT_END && object->type != type) {
@@ -104,7 +105,7 @@ static void LoadIcons() {
     RVK_AddIcon(blank, "(no texture)");
     destroy_bitmap(blank);
   }
-  DATAFILE *data = load_datafile(DatafileName);
+  DATAFILE *data = RVK_LoadDatafile(DatafileName);
   if (data != nullptr) {
     for (int i = 0; data[i].type != DAT_END; i++) {
       if (data[i].type == DAT_BITMAP)
