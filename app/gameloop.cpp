@@ -265,9 +265,9 @@ void GameLoop(GameClass &game) {
   }
 
   if (game.Mode == GAME_MODE_SERVER)
-    NP_SendPacket(NP_TO_ALL, PACKET_UPDATE_QUIT, "");
+    NP_SendPacket(NP_TO_ALL, NP_UPDATE_QUIT, "");
   else if (game.Mode == GAME_MODE_CLIENT)
-    NP_SendPacket(NP_TO_SERVER, PACKET_REPORT_QUIT, "");
+    NP_SendPacket(NP_TO_SERVER, NP_REPORT_QUIT, "");
   game.Toolbar.Clear();
   game.Players.clear();
   game.LocalPlayer = nullptr;

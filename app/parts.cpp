@@ -63,7 +63,7 @@ void SetCharacter(PlayerClass &player, int32_t number, bool announce) {
   player.Character = Game.Characters.empty() ? nullptr : &Game.Characters[number];
   for (int i = 0; i < 3; i++) player.EyesOri[i] = player.EyesOriTarget[i] = 0;
   player.EyebrowsY = 0;
-  Announce(player, number, announce, PACKET_REPORT_CHARACTER, PACKET_UPDATE_CHARACTER);
+  Announce(player, number, announce, NP_REPORT_CHARACTER, NP_UPDATE_CHARACTER);
   PlayPartCue(Game.CharacterSample);
 }
 
@@ -73,36 +73,35 @@ static void SetPart(PlayerClass &player, int32_t PlayerClass::*field, size_t cat
                     bool announce, unsigned char reportType, SAMPLE *sample) {
   if (number < -1 || (number >= 0 && (size_t)number >= catalogueSize)) return;
   player.*field = number;
-  Announce(player, number, announce, reportType, (unsigned char)(reportType + PACKET_REPORT_TO_UPDATE));
+  Announce(player, number, announce, reportType, (unsigned char)(reportType + NP_REPORT_TO_UPDATE));
   PlayPartCue(sample);
 }
 
 void SetEyes(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::EyesNumber, Game.Eyes.size(), number, announce, PACKET_REPORT_EYES, Game.EyesSample);
+  SetPart(player, &PlayerClass::EyesNumber, Game.Eyes.size(), number, announce, NP_REPORT_EYES, Game.EyesSample);
 }
 void SetEars(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::EarsNumber, Game.Ears.size(), number, announce, PACKET_REPORT_EARS, Game.EarsSample);
+  SetPart(player, &PlayerClass::EarsNumber, Game.Ears.size(), number, announce, NP_REPORT_EARS, Game.EarsSample);
 }
 void SetNose(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::NoseNumber, Game.Noses.size(), number, announce, PACKET_REPORT_NOSE, Game.NoseSample);
+  SetPart(player, &PlayerClass::NoseNumber, Game.Noses.size(), number, announce, NP_REPORT_NOSE, Game.NoseSample);
 }
 void SetMouth(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::MouthNumber, Game.Mouths.size(),
-          number, announce, PACKET_REPORT_MOUTH, Game.MouthSample);
+  SetPart(player, &PlayerClass::MouthNumber, Game.Mouths.size(), number, announce, NP_REPORT_MOUTH, Game.MouthSample);
 }
 void SetEyebrows(PlayerClass &player, int32_t number, bool announce) {
   SetPart(player, &PlayerClass::EyebrowsNumber, Game.Eyebrows.size(),
-          number, announce, PACKET_REPORT_EYEBROWS, Game.EyebrowsSample);
+          number, announce, NP_REPORT_EYEBROWS, Game.EyebrowsSample);
 }
 void SetMoustache(PlayerClass &player, int32_t number, bool announce) {
   SetPart(player, &PlayerClass::MoustacheNumber, Game.Moustaches.size(),
-          number, announce, PACKET_REPORT_MOUSTACHE, Game.MoustacheSample);
+          number, announce, NP_REPORT_MOUSTACHE, Game.MoustacheSample);
 }
 void SetFeet(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::FeetNumber, Game.Feet.size(), number, announce, PACKET_REPORT_FEET, Game.FeetSample);
+  SetPart(player, &PlayerClass::FeetNumber, Game.Feet.size(), number, announce, NP_REPORT_FEET, Game.FeetSample);
 }
 void SetHat(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::HatNumber, Game.Hats.size(), number, announce, PACKET_REPORT_HAT, Game.HatSample);
+  SetPart(player, &PlayerClass::HatNumber, Game.Hats.size(), number, announce, NP_REPORT_HAT, Game.HatSample);
 }
 
 // ---- Face motion ----------------------------------------------------------
@@ -123,12 +122,12 @@ void UpdateFaceMotion(PlayerClass &player) {
   if (!client) {
     if (rand() % 150 == 0) {
       player.EyesOriTarget[0] = (float)(rand() % 32 - 16);
-      if (server) NP_SendPacket(NP_TO_ALL, PACKET_UPDATE_EYES_ORI_X,
+      if (server) NP_SendPacket(NP_TO_ALL, NP_UPDATE_EYES_ORI_X,
                                 "%d,%f", player.PlayerId, (double)player.EyesOriTarget[0]);
     }
     if (rand() % 200 == 0) {
       player.EyesOriTarget[1] = (float)(rand() % 32 - 16);
-      if (server) NP_SendPacket(NP_TO_ALL, PACKET_UPDATE_EYES_ORI_Y,
+      if (server) NP_SendPacket(NP_TO_ALL, NP_UPDATE_EYES_ORI_Y,
                                 "%d,%f", player.PlayerId, (double)player.EyesOriTarget[1]);
     }
   }
@@ -136,13 +135,13 @@ void UpdateFaceMotion(PlayerClass &player) {
   StepTowards(player.EyesOri[1], player.EyesOriTarget[1]);
   if (!client && rand() % 400 == 0) {
     player.EyebrowsY = 1.5f;
-    if (server) NP_SendPacket(NP_TO_ALL, PACKET_UPDATE_EYEBROWS_Y, "%d,%f", player.PlayerId, 1.5);
+    if (server) NP_SendPacket(NP_TO_ALL, NP_UPDATE_EYEBROWS_Y, "%d,%f", player.PlayerId, 1.5);
   }
   if (player.EyebrowsY > 0) {
     player.EyebrowsY -= 0.25f;
     if (player.EyebrowsY == 0 && server && rand() % 4 == 0) {
       player.EyebrowsY = 1.0f;
-      NP_SendPacket(NP_TO_ALL, PACKET_UPDATE_EYEBROWS_Y, "%d,%f", player.PlayerId, 1.0);
+      NP_SendPacket(NP_TO_ALL, NP_UPDATE_EYEBROWS_Y, "%d,%f", player.PlayerId, 1.0);
     }
   }
 }

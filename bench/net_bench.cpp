@@ -70,7 +70,7 @@ static int Flood(uint16_t port, double seconds) {
   long sent = 0;
   for (double end = NowMs() + seconds * 1000; NowMs() < end; client.Service()) {
     while (enet_list_size(&client.Peer->outgoingCommands) < queued) {
-      Bytes report = Pkt(PACKET_REPORT_EYES, {(int)(sent++ % 2)});
+      Bytes report = Pkt(NP_REPORT_EYES, {(int)(sent++ % 2)});
       enet_peer_send(client.Peer, 0, enet_packet_create(report.data(), report.size(), ENET_PACKET_FLAG_RELIABLE));
     }
   }
@@ -113,7 +113,7 @@ int main(int argc, char **argv) {
       return 1;
     }
     joins.push_back(seventh->Times.back() - seventh->ConnectTime);
-    seventh->Send(Pkt(PACKET_REPORT_QUIT));
+    seventh->Send(Pkt(NP_REPORT_QUIT));
     bench.FramesUntil([] { return Game.GetPlayerCount() == 7; }, 2000);
     bench.Clients.pop_back();
     for (auto &c : bench.Clients) c->Service();
@@ -126,7 +126,7 @@ int main(int argc, char **argv) {
   for (int round = 0; round < 50; round++) {
     size_t seen = b.Received.size();
     double sent = NowMs();
-    a.Send(Pkt(PACKET_REPORT_EYES, {round % 4}));
+    a.Send(Pkt(NP_REPORT_EYES, {round % 4}));
     if (!bench.FramesUntil([&] { return b.Received.size() > seen; }, 2000)) {
       std::printf("pick %d did not arrive\n", round);
       return 1;

@@ -45,28 +45,28 @@ static bool VersionInfo(const PacketFieldList &fields) {
 bool NET_ClientDispatch(int32_t type, const PacketFieldList &fields) {
   GameClass &game = Game;
   switch (type) {
-    case PACKET_UPDATE_JOINED: UpdateJoined(fields); return true;
-    case PACKET_UPDATE_PLAYER_ID: UpdatePlayerId(fields); return true;
-    case PACKET_PONG: RVK_Message("Recieved ping reply from server"); return true;
-    case PACKET_VERSION_INFO: return VersionInfo(fields);
+    case NP_UPDATE_JOINED: UpdateJoined(fields); return true;
+    case NP_UPDATE_PLAYER_ID: UpdatePlayerId(fields); return true;
+    case NP_PONG: RVK_Message("Recieved ping reply from server"); return true;
+    case NP_VERSION_INFO: return VersionInfo(fields);
     default: break;
   }
-  if (type >= PACKET_UPDATE_QUIT && type <= PACKET_UPDATE_EYEBROWS_Y) {
+  if (type >= NP_UPDATE_QUIT && type <= NP_UPDATE_EYEBROWS_Y) {
     int number = game.GetPlayerNumber(std::atoi(NP_FieldText(fields, 0)));
     if (number == -1) return true;
     PlayerClass &player = game.Players[number];
-    if (type == PACKET_UPDATE_QUIT) {
+    if (type == NP_UPDATE_QUIT) {
       if (number == 0) return false;
       NET_RemovePlayer(number);
-    } else if (type == PACKET_UPDATE_PLAYER_NAME) {
+    } else if (type == NP_UPDATE_PLAYER_NAME) {
       player.PlayerName = NP_FieldText(fields, 1);
-    } else if (SetPartFunction setPart = NET_SetPartOf(type, PACKET_UPDATE_CHARACTER)) {
+    } else if (SetPartFunction setPart = NET_SetPartOf(type, NP_UPDATE_CHARACTER)) {
       setPart(player, std::atoi(NP_FieldText(fields, 1)), false);
-    } else if (type == PACKET_UPDATE_EYES_ORI_X) {
+    } else if (type == NP_UPDATE_EYES_ORI_X) {
       player.EyesOriTarget[0] = (float)std::atof(NP_FieldText(fields, 1));
-    } else if (type == PACKET_UPDATE_EYES_ORI_Y) {
+    } else if (type == NP_UPDATE_EYES_ORI_Y) {
       player.EyesOriTarget[1] = (float)std::atof(NP_FieldText(fields, 1));
-    } else if (type == PACKET_UPDATE_EYEBROWS_Y) {
+    } else if (type == NP_UPDATE_EYEBROWS_Y) {
       player.EyebrowsY = (float)std::atof(NP_FieldText(fields, 1));
     }
     return true;

@@ -290,7 +290,7 @@ bool NET_ConnectToServer() {
       if (event.type == ENET_EVENT_TYPE_DISCONNECT) return CancelConnection();
       if (event.type == ENET_EVENT_TYPE_RECEIVE) {
         int32_t type = NP_ParsePacket(fields, event.packet->data, event.packet->dataLength);
-        if (type == PACKET_SET_PLAYER_NUMBER && ApplyPlayerNumber(fields))
+        if (type == NP_SET_PLAYER_NUMBER && ApplyPlayerNumber(fields))
           numbered = true;
         else
           // A packet that the parser dropped is named by its own type byte.
@@ -302,6 +302,6 @@ bool NET_ConnectToServer() {
     turn++;
   }
 
-  NP_SendPacket(NP_TO_SERVER, PACKET_REPORT_PLAYER_NAME, "%s", NP_EscapeText(Config.PlayerName.c_str()).c_str());
+  NP_SendPacket(NP_TO_SERVER, NP_REPORT_PLAYER_NAME, "%s", NP_EscapeText(Config.PlayerName.c_str()).c_str());
   return true;
 }

@@ -79,7 +79,7 @@ bool NP_SendPacket(int32_t destination, uint8_t packetType, const char *format, 
     // A client sends to its server only: a player ID names no peer there.
   }
 
-  if ((packetType == PACKET_REPORT_QUIT || packetType == PACKET_UPDATE_QUIT) && NetHost) enet_host_flush(NetHost);
+  if ((packetType == NP_REPORT_QUIT || packetType == NP_UPDATE_QUIT) && NetHost) enet_host_flush(NetHost);
   // A packet that no peer took is ours to free; one that a peer queued is
   // freed by ENet once every peer is done with it.
   if (packet->referenceCount == 0) enet_packet_destroy(packet);

@@ -63,11 +63,11 @@ void NET_RemovePlayer(int number) {
   }
   for (int i = number; i < MAX_PLAYERS - 1; i++) ClientPeers[i] = ClientPeers[i + 1];
   ClientPeers[MAX_PLAYERS - 1] = nullptr;
-  NP_SendPacket(NP_TO_ALL, PACKET_UPDATE_QUIT, "%d", id);
+  NP_SendPacket(NP_TO_ALL, NP_UPDATE_QUIT, "%d", id);
 }
 
 void NET_HandleCommonPacket(int32_t type, PacketFieldList fields) {
-  if (type != PACKET_CONSOLE_MESSAGE) return;
+  if (type != NP_CONSOLE_MESSAGE) return;
   GameClass &game = Game;
   int32_t id = std::atoi(NP_FieldText(fields, 0));
   int number = game.GetPlayerNumber(id);
@@ -79,7 +79,7 @@ void NET_HandleCommonPacket(int32_t type, PacketFieldList fields) {
   int colour = std::atoi(NP_FieldText(fields, 1));
   if (colour != -1) RVK_SetLastMessageColour(colour);
   if (game.Mode == GAME_MODE_SERVER)
-    NP_SendPacket(NP_TO_ALL, PACKET_CONSOLE_MESSAGE, "%d,%d,%s", id, colour, NP_EscapeText(text).c_str());
+    NP_SendPacket(NP_TO_ALL, NP_CONSOLE_MESSAGE, "%d,%d,%s", id, colour, NP_EscapeText(text).c_str());
 }
 
 // ---- Join -------------------------------------------------------------------
@@ -88,24 +88,24 @@ void NET_HandleCommonPacket(int32_t type, PacketFieldList fields) {
 // everybody, then every record's ID and each earlier player as it stands.
 static void SendJoinSequence(int number, int count, int32_t id) {
   GameClass &game = Game;
-  NP_SendPacket(id, PACKET_SET_PLAYER_NUMBER, "%d,%d", number, count);
-  NP_SendPacket(id, PACKET_VERSION_INFO, "%s", NP_EscapeText(TUMBLEKIN_VERSION).c_str());
-  NP_SendPacket(NP_TO_ALL, PACKET_UPDATE_JOINED, "%d,%d", count, id);
-  for (int i = 0; i < count; i++) NP_SendPacket(id, PACKET_UPDATE_PLAYER_ID, "%d,%d", i, game.Players[i].PlayerId);
+  NP_SendPacket(id, NP_SET_PLAYER_NUMBER, "%d,%d", number, count);
+  NP_SendPacket(id, NP_VERSION_INFO, "%s", NP_EscapeText(TUMBLEKIN_VERSION).c_str());
+  NP_SendPacket(NP_TO_ALL, NP_UPDATE_JOINED, "%d,%d", count, id);
+  for (int i = 0; i < count; i++) NP_SendPacket(id, NP_UPDATE_PLAYER_ID, "%d,%d", i, game.Players[i].PlayerId);
   for (int i = 0; i < count - 1; i++) {
     // The set-part operations of a newcomer may move nothing in the roster,
     // but a copy keeps this loop independent of them anyway.
     PlayerClass p = game.Players[i];
     int32_t pid = p.PlayerId;
-    NP_SendPacket(id, PACKET_UPDATE_PLAYER_NAME, "%d,%s", pid, NP_EscapeText(p.PlayerName.c_str()).c_str());
+    NP_SendPacket(id, NP_UPDATE_PLAYER_NAME, "%d,%s", pid, NP_EscapeText(p.PlayerName.c_str()).c_str());
     // In the order of their Update packets, Character to Hat.
     const int32_t parts[] = {p.CharacterNumber, p.EyesNumber,      p.EarsNumber, p.NoseNumber, p.MouthNumber,
                              p.EyebrowsNumber,  p.MoustacheNumber, p.FeetNumber, p.HatNumber};
-    for (int k = 0; k < SET_PART_COUNT; k++) NP_SendPacket(id, PACKET_UPDATE_CHARACTER + k, "%d,%d", pid, parts[k]);
+    for (int k = 0; k < SET_PART_COUNT; k++) NP_SendPacket(id, NP_UPDATE_CHARACTER + k, "%d,%d", pid, parts[k]);
     // Motion after the body: a receiver's SetCharacter clears the motion fields.
-    NP_SendPacket(id, PACKET_UPDATE_EYES_ORI_X, "%d,%f", pid, (double)p.EyesOriTarget[0]);
-    NP_SendPacket(id, PACKET_UPDATE_EYES_ORI_Y, "%d,%f", pid, (double)p.EyesOriTarget[1]);
-    NP_SendPacket(id, PACKET_UPDATE_EYEBROWS_Y, "%d,%f", pid, (double)p.EyebrowsY);
+    NP_SendPacket(id, NP_UPDATE_EYES_ORI_X, "%d,%f", pid, (double)p.EyesOriTarget[0]);
+    NP_SendPacket(id, NP_UPDATE_EYES_ORI_Y, "%d,%f", pid, (double)p.EyesOriTarget[1]);
+    NP_SendPacket(id, NP_UPDATE_EYEBROWS_Y, "%d,%f", pid, (double)p.EyebrowsY);
   }
 }
 
@@ -154,24 +154,24 @@ static void ReportPlayerName(int number, int32_t id, const char *name) {
   std::snprintf(line, sizeof line, "%s has joined the game", name);
   RVK_Message("%s", line);
   RVK_SetLastMessageColour(White());
-  NP_SendPacket(NP_TO_ALL, PACKET_CONSOLE_MESSAGE, "%d,%d,%s", -1, White(), NP_EscapeText(line).c_str());
-  NP_SendPacket(NP_TO_ALL, PACKET_UPDATE_PLAYER_NAME, "%d,%s", id, NP_EscapeText(name).c_str());
+  NP_SendPacket(NP_TO_ALL, NP_CONSOLE_MESSAGE, "%d,%d,%s", -1, White(), NP_EscapeText(line).c_str());
+  NP_SendPacket(NP_TO_ALL, NP_UPDATE_PLAYER_NAME, "%d,%s", id, NP_EscapeText(name).c_str());
 }
 
 void NET_ServerDispatch(int number, int32_t id, int32_t type, const PacketFieldList &fields) {
   GameClass &game = Game;
   if (number < 0 || number >= game.GetPlayerCount()) return;
-  if (type == PACKET_REPORT_QUIT) {
+  if (type == NP_REPORT_QUIT) {
     NET_RemovePlayer(number);
-  } else if (type == PACKET_REPORT_PLAYER_NAME) {
+  } else if (type == NP_REPORT_PLAYER_NAME) {
     ReportPlayerName(number, id, NP_FieldText(fields, 0));
-  } else if (SetPartFunction setPart = NET_SetPartOf(type, PACKET_REPORT_CHARACTER)) {
+  } else if (SetPartFunction setPart = NET_SetPartOf(type, NP_REPORT_CHARACTER)) {
     int32_t value = std::atoi(NP_FieldText(fields, 0));
     PacketSkipPlayerId = id;
-    NP_SendPacket(NP_TO_ALL, (uint8_t)(type + PACKET_REPORT_TO_UPDATE), "%d,%d", id, value);
+    NP_SendPacket(NP_TO_ALL, (uint8_t)(type + NP_REPORT_TO_UPDATE), "%d,%d", id, value);
     setPart(game.Players[number], value, false);
-  } else if (type == PACKET_PING) {
-    NP_SendPacket(id, PACKET_PONG, "");
+  } else if (type == NP_PING) {
+    NP_SendPacket(id, NP_PONG, "");
   } else {
     NET_HandleCommonPacket(type, fields);
   }

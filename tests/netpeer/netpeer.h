@@ -1,5 +1,4 @@
-// Test peers that speak the game's wire format through ENet with bytes of
-// their own, on 127.0.0.1 only; and the console's lines caught from its log.
+// Test peers speaking the wire format on 127.0.0.1, and the console's lines.
 #pragma once
 #include <enet/enet.h>
 #include <chrono>
@@ -42,8 +41,7 @@ inline bool PumpUntil(const std::function<void()> &step, const std::function<boo
   return done();
 }
 
-// A client of a server on 127.0.0.1, or a server there, that keeps what
-// arrives with its channel and time.
+// A client of a server on 127.0.0.1, or a server there, keeping what arrives.
 class TestHost {
 public:
   ENetHost *Host = nullptr;
@@ -61,7 +59,6 @@ public:
     return Host && (server || (Peer = enet_host_connect(Host, &address, 2, 0)));
   }
   bool Connected() const { return ConnectTime > 0; }
-  // Takes whatever is there, waiting up to `wait` ms for the first event.
   void Service(int wait = 0) {
     for (ENetEvent e; Host && enet_host_service(Host, &e, (enet_uint32)wait) > 0; wait = 0) {
       if (e.type == ENET_EVENT_TYPE_CONNECT) ConnectTime = NowMs(), Peers.push_back(Peer = e.peer);
@@ -75,14 +72,13 @@ public:
     enet_peer_send(Peer, (enet_uint8)channel, enet_packet_create(b.data(), b.size(), ENET_PACKET_FLAG_RELIABLE));
     enet_host_flush(Host);
   }
-  // The packets from the `from`th on as hex, each after its channel.
+  // The packets from the `from`th on, as "channel: hex".
   Texts Seen(size_t from = 0) const {
     Texts out;
     for (size_t i = from; i < Received.size(); i++)
       out.push_back(std::to_string(Received[i].second) + ": " + Hex(Received[i].first));
     return out;
   }
-  // The port of this host's own socket, once it has sent.
   std::string LocalPort() const {
     ENetAddress a{};
     enet_socket_get_address(Host->socket, &a);
@@ -94,8 +90,7 @@ public:
   }
 };
 
-// The console's lines from its log, without the time stamp in front; Said()
-// leaves out those of the cues, as sound is off in the tests.
+// The console's lines from its log; Said() leaves out the cues' (sound is off).
 class ConsoleCapture {
 public:
   FILE *File = std::tmpfile();

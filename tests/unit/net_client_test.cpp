@@ -1,13 +1,12 @@
-// The client's handling of what the server sends, packet by packet through
-// the parser and the dispatch, without a connection.
+// The client's handling of the server's packets, parsed and dispatched.
 #include <gtest/gtest.h>
 #include <tuple>
 #include "app/parts.h"
 #include "net/client.h"
 #include "netpeer/netpeer.h"
 
-// A client at number 1 (ID 4) of a roster with the server's player (ID 0)
-// and Bob (ID 8). The console holds one line, whose colour packets may set.
+// The client is number 1 (ID 2) between the server's player (ID 0) and Bob
+// (ID 8). The console holds one line, for packets to colour.
 class ClientTest : public testing::Test {
 protected:
   ConsoleCapture Console;
@@ -43,58 +42,53 @@ auto Record(const PlayerClass &p) {
 }
 
 TEST_F(ClientTest, AppliesTheServersWordToThePlayerOfTheId) {
-  for (const Bytes &b : {Pkt(PACKET_UPDATE_EYES, {8, 2}), Pkt(PACKET_UPDATE_EARS, {8, -1}),
-                         Pkt(PACKET_UPDATE_HAT, {8, 1}), Pkt(PACKET_UPDATE_HAT, {8, 5}),  // no such hat: refused
-                         Pkt(PACKET_UPDATE_CHARACTER, {8, 2}), Pkt(PACKET_UPDATE_CHARACTER, {8, 9}),  // body 0
+  for (const Bytes &b : {Pkt(NP_UPDATE_EYES, {8, 2}), Pkt(NP_UPDATE_EARS, {8, -1}),
+                         Pkt(NP_UPDATE_HAT, {8, 1}), Pkt(NP_UPDATE_HAT, {8, 5}),  // no such hat: refused
+                         Pkt(NP_UPDATE_CHARACTER, {8, 2}), Pkt(NP_UPDATE_CHARACTER, {8, 9}),  // body 0
                          Bytes{31, 8, 0, 0, 0, 0x40, 0x40}, Bytes{32, 8, 0, 0, 0, 0x80, 0xC1},
-                         Bytes{33, 8, 0, 0, 0, 0xC0, 0x3F}, Pkt(PACKET_UPDATE_PLAYER_NAME, {8}, "B\rb 50%"),
-                         Pkt(PACKET_UPDATE_EYES, {77, 1}), Pkt(PACKET_PONG), Pkt(PACKET_PING), Pkt(PACKET_REPORT_EYES, {1}),
-                         Pkt(PACKET_SET_PLAYER_NUMBER, {0, 1}), Pkt(11), Bytes{23, 6},
-                         Pkt(PACKET_VERSION_INFO, {}, "Tumblekin v1.0")})
+                         Bytes{33, 8, 0, 0, 0, 0xC0, 0x3F}, Pkt(NP_UPDATE_PLAYER_NAME, {8}, "B\rb 50%"),
+                         Pkt(NP_UPDATE_EYES, {77, 1}), Pkt(NP_PONG), Pkt(NP_PING), Pkt(NP_REPORT_EYES, {1}),
+                         Pkt(NP_SET_PLAYER_NUMBER, {0, 1}), Pkt(11), Bytes{23, 6},
+                         Pkt(NP_VERSION_INFO, {}, "Tumblekin v1.0")})
     EXPECT_TRUE(Apply(b)) << Hex(b);
   EXPECT_EQ(Record(Game.Players[2]), std::make_tuple(0, 2, -1, 1, 3.0f, -16.0f, 1.5f, std::string("B,b 50%")));
   EXPECT_EQ(Record(Game.Players[1]), std::make_tuple(0, 0, 0, 0, 0.0f, 0.0f, 0.0f, std::string()));
   EXPECT_EQ(Console.Said(), (Texts{"Warning GetPlayerNumber failed to resolve player ID 77",
                                    "Recieved ping reply from server",
                                    "Client and server versions match (Tumblekin v1.0)"}));
-  EXPECT_TRUE(Apply(Pkt(PACKET_UPDATE_PLAYER_NAME, {8}, "")));
+  EXPECT_TRUE(Apply(Pkt(NP_UPDATE_PLAYER_NAME, {8}, "")));
   EXPECT_EQ(Game.Players[2].PlayerName, "");
 
-  // Roster indices and counts from the server, kept inside the roster.
-  for (const Bytes &b : {Pkt(PACKET_UPDATE_JOINED, {4, 9}), Pkt(PACKET_UPDATE_PLAYER_ID, {3, 11}),
-                         Pkt(PACKET_UPDATE_PLAYER_ID, {0, 1}), Pkt(PACKET_UPDATE_PLAYER_ID, {-1, 12}),
-                         Pkt(PACKET_UPDATE_PLAYER_ID, {4, 12}), Pkt(PACKET_UPDATE_JOINED, {0, 13}),
-                         Pkt(PACKET_UPDATE_JOINED, {9, 13}), Pkt(PACKET_UPDATE_JOINED, {1, 13})})
+  // Indices and counts from the server stay inside the roster.
+  for (const Bytes &b : {Pkt(NP_UPDATE_JOINED, {4, 9}), Pkt(NP_UPDATE_PLAYER_ID, {3, 11}),
+                         Pkt(NP_UPDATE_PLAYER_ID, {0, 1}), Pkt(NP_UPDATE_PLAYER_ID, {-1, 12}),
+                         Pkt(NP_UPDATE_PLAYER_ID, {4, 12}), Pkt(NP_UPDATE_JOINED, {0, 13}),
+                         Pkt(NP_UPDATE_JOINED, {9, 13}), Pkt(NP_UPDATE_JOINED, {1, 13})})
     EXPECT_TRUE(Apply(b)) << Hex(b);
   EXPECT_EQ(Ids(), (std::vector<int>{1, 2, 8, 11}));
-  EXPECT_TRUE(Apply(Pkt(PACKET_UPDATE_JOINED, {8, 15})));
+  EXPECT_TRUE(Apply(Pkt(NP_UPDATE_JOINED, {8, 15})));
   EXPECT_EQ(Ids().back(), 15);
-  // A count that keeps the local record shrinks the roster to it.
-  EXPECT_TRUE(Apply(Pkt(PACKET_UPDATE_JOINED, {2, 14})));
+  EXPECT_TRUE(Apply(Pkt(NP_UPDATE_JOINED, {2, 14})));
   EXPECT_EQ(Ids(), (std::vector<int>{1, 14}));
   EXPECT_EQ(Game.LocalPlayer, &Game.Players[1]);
 }
 
 TEST_F(ClientTest, QuitAndConsoleLines) {
-  // The server's own lines carry ID -1: the warning, then the line as it is.
-  EXPECT_TRUE(Apply(Pkt(PACKET_CONSOLE_MESSAGE, {-1, 0x3456, 0x12}, "Bob has joined the game")));
+  EXPECT_TRUE(Apply(Pkt(NP_CONSOLE_MESSAGE, {-1, 0x3456, 0x12}, "Bob has joined the game")));
   EXPECT_EQ(ConsoleLines.back().Colour, 0x123456);
-  EXPECT_TRUE(Apply(Pkt(PACKET_CONSOLE_MESSAGE, {8, -1, -1}, "hi %d")));
+  EXPECT_TRUE(Apply(Pkt(NP_CONSOLE_MESSAGE, {8, -1, -1}, "hi %d")));
   EXPECT_EQ(ConsoleLines.back().Colour, 0x123456);
-  // The local player's own ID: the line, then the refusal; the record stays.
   Game.Players[1].PlayerName = "Me";
-  EXPECT_TRUE(Apply(Pkt(PACKET_UPDATE_QUIT, {2})));
+  EXPECT_TRUE(Apply(Pkt(NP_UPDATE_QUIT, {2})));
   EXPECT_EQ(Console.Said(), (Texts{"Warning GetPlayerNumber failed to resolve player ID -1", "Bob has joined the game",
                                    "Bob: hi %d", "Me has left the game", "DeletePlayer: Not deleting local player 1"}));
   EXPECT_EQ(ConsoleLines.back().Colour, makecol(255, 255, 255));
-  // A lower-numbered player leaves: the local player moves down with its ID.
   Game.Players.insert(Game.Players.begin() + 1, PlayerClass());
   Game.Players[1].PlayerId = 5;
   Game.SetLocalPlayer(2);
-  for (int id : {5, 99}) EXPECT_TRUE(Apply(Pkt(PACKET_UPDATE_QUIT, {id})));
+  for (int id : {5, 99}) EXPECT_TRUE(Apply(Pkt(NP_UPDATE_QUIT, {id})));
   EXPECT_EQ(Ids(), (std::vector<int>{0, 2, 8}));
   EXPECT_EQ(Game.LocalPlayer, &Game.Players[1]);
-  // The server's own player: the end.
-  EXPECT_FALSE(Apply(Pkt(PACKET_UPDATE_QUIT, {0})));
+  EXPECT_FALSE(Apply(Pkt(NP_UPDATE_QUIT, {0})));
   EXPECT_EQ(Ids(), (std::vector<int>{0, 2, 8}));
 }

@@ -1,6 +1,4 @@
-// The game's own server, polled in this process, with test clients on
-// 127.0.0.1: the join sequence byte by byte, reports and relays, names, the
-// full server, players leaving, the poll's budget, and what sending refuses.
+// The game's own server, polled here, with test clients on 127.0.0.1.
 #include <gtest/gtest.h>
 #include <memory>
 #include "app/config.h"
@@ -43,7 +41,7 @@ protected:
   bool Until(const std::function<bool()> &done, double ms = 3000) {
     return PumpUntil([&] { NET_ServerPoll(); for (auto &c : Clients) c->Service(); }, done, ms);
   }
-  // A new test client, once it has taken its `packets` packets.
+  // A new client, once it has its `packets` packets.
   TestHost &Join(size_t packets) {
     Clients.emplace_back(new TestHost);
     TestHost &c = *Clients.back();
@@ -52,7 +50,7 @@ protected:
     EXPECT_EQ(c.Received.size(), packets);
     return c;
   }
-  // The `n` packets of a test client from the `from`th on, once all are there.
+  // The packets of `c` from the `from`th on, once there are `n`.
   Texts Next(TestHost &c, size_t from, size_t n) {
     EXPECT_TRUE(Until([&] { return c.Received.size() >= from + n; }));
     return c.Seen(from);
@@ -82,11 +80,10 @@ TEST_F(ServerTest, JoinSequenceReportsAndRelays) {
                                    std::to_string(Port), "Accepted new client connection",
                                    "A new client connected from 100007f:" + a.LocalPort()}));
 
-  // A name with a comma and a percent sign, the sender told too; a part
-  // report not sent back; a Ping answered.
-  a.Send(Pkt(PACKET_REPORT_PLAYER_NAME, {}, "Al\r 100%"));
-  a.Send(Pkt(PACKET_REPORT_EYES, {3}));
-  a.Send(Pkt(PACKET_PING));
+  // A name goes back to its sender too, a part not; a Ping is answered.
+  a.Send(Pkt(NP_REPORT_PLAYER_NAME, {}, "Al\r 100%"));
+  a.Send(Pkt(NP_REPORT_EYES, {3}));
+  a.Send(Pkt(NP_PING));
   const int white = makecol(255, 255, 255);
   const std::string al = "1: " + Hex(Pkt(21, {1}, "Al\r 100%"));
   EXPECT_EQ(Next(a, 18, 3),
@@ -96,7 +93,6 @@ TEST_F(ServerTest, JoinSequenceReportsAndRelays) {
   EXPECT_EQ(Game.Players[1].PlayerName, "Al, 100%");
   EXPECT_EQ(Game.Players[1].EyesNumber, 3);
 
-  // The second client gets 4 + 14 x 2 packets, the first the new count.
   TestHost &b = Join(32);
   Texts bs = b.Seen();
   EXPECT_EQ((Texts{bs[0], bs[2], bs[5], bs[18], bs[19], bs[20], bs[21]}),
@@ -104,12 +100,10 @@ TEST_F(ServerTest, JoinSequenceReportsAndRelays) {
                    "1: 21 00 00 00 00 C0 3F 00", al, "1: 16 01 00 00 00 00", "1: 17 01 00 03 00 00"}));
   EXPECT_EQ(Next(a, 21, 1), Texts{"1: 12 03 00 02 00 00"});
 
-  // Relays as the client gave the value, to everybody but the sender; a
-  // console line to all, the sender too; types without a handler and
-  // malformed packets do nothing.
-  for (const Bytes &p : {Pkt(PACKET_REPORT_HAT, {99}), Pkt(PACKET_REPORT_EARS, {1}), Pkt(11),
-                         Pkt(PACKET_SET_PLAYER_NUMBER, {0, 1}), Bytes{PACKET_REPORT_EARS, 0},
-                         Pkt(PACKET_CONSOLE_MESSAGE, {1, -1, -1}, "hi%s")})
+  // Relays go as sent, a console line to all; the rest does nothing.
+  for (const Bytes &p : {Pkt(NP_REPORT_HAT, {99}), Pkt(NP_REPORT_EARS, {1}), Pkt(11),
+                         Pkt(NP_SET_PLAYER_NUMBER, {0, 1}), Bytes{NP_REPORT_EARS, 0},
+                         Pkt(NP_CONSOLE_MESSAGE, {1, -1, -1}, "hi%s")})
     a.Send(p);
   const std::string hi = "1: " + Hex(Pkt(52, {1, -1, -1}, "hi%s"));
   EXPECT_EQ(Next(b, 32, 3), (Texts{"1: 1E 01 00 63 00 00", "1: 18 01 00 01 00 00", hi}));
@@ -125,9 +119,8 @@ TEST_F(ServerTest, EighthClientIsRefusedAndIgnored) {
   Clients.emplace_back(new TestHost);
   TestHost &late = *Clients.back();
   ASSERT_TRUE(late.Start(Port, false) && Until([&] { return Console.Lines().size() == 1; }));
-  // Its packets and its end name no player: dropped, the roster untouched.
-  late.Send(Pkt(PACKET_REPORT_EYES, {1}));
-  late.Send(Pkt(PACKET_REPORT_QUIT));
+  late.Send(Pkt(NP_REPORT_EYES, {1}));
+  late.Send(Pkt(NP_REPORT_QUIT));
   ASSERT_TRUE(Until([&] { return Console.Lines().size() == 3; }));
   enet_peer_disconnect_now(late.Peer, 0);
   ENetEvent none{};
@@ -146,25 +139,23 @@ TEST_F(ServerTest, EighthClientIsRefusedAndIgnored) {
 TEST_F(ServerTest, LeavingRenumbersTheOthers) {
   TestHost &ann = Join(18), &bob = Join(32), &cid = Join(46);
   const char *names[] = {"Ann", "Bob", "Cid"};
-  for (int i = 0; i < 3; i++) Clients[i]->Send(Pkt(PACKET_REPORT_PLAYER_NAME, {}, names[i]));
+  for (int i = 0; i < 3; i++) Clients[i]->Send(Pkt(NP_REPORT_PLAYER_NAME, {}, names[i]));
   ASSERT_TRUE(Until([&] { return cid.Received.size() == 52; }));
-  // Ann's connection ends without a word. The server's own change still
-  // reaches both others, and Cid's report finds Cid.
+  // Ann is lost; the host's pick still reaches both others, Cid's finds Cid.
   enet_peer_disconnect_now(ann.Peer, 0);
   EXPECT_EQ(Next(cid, 52, 1), Texts{"1: 14 01 00 00"});
   EXPECT_EQ(Console.Said().end()[-2], "Connection lost to player 1 Ann");
   EXPECT_EQ(Console.Said().back(), "Ann has left the game");
   SetNose(Game.Players[0], 1, true);
-  cid.Send(Pkt(PACKET_REPORT_NOSE, {1}));
+  cid.Send(Pkt(NP_REPORT_NOSE, {1}));
   EXPECT_EQ(Next(bob, 39, 3), (Texts{"1: 14 01 00 00", "1: 19 00 00 01 00 00", "1: 19 03 00 01 00 00"}));
   EXPECT_EQ(Next(cid, 53, 1), Texts{"1: 19 00 00 01 00 00"});
   EXPECT_EQ(Game.Players[2].NoseNumber, 1);
-  // Bob quits in order, then Cid: the last goodbye goes to nobody.
-  bob.Send(Pkt(PACKET_REPORT_QUIT));
+  bob.Send(Pkt(NP_REPORT_QUIT));
   EXPECT_EQ(Next(cid, 54, 1), Texts{"1: 14 02 00 00"});
   EXPECT_STREQ((const char *)ClientPeers[1]->data, "3");
   EXPECT_EQ(ClientPeers[2], nullptr);
-  cid.Send(Pkt(PACKET_REPORT_QUIT));
+  cid.Send(Pkt(NP_REPORT_QUIT));
   ASSERT_TRUE(Until([&] { return Game.GetPlayerCount() == 1; }));
   EXPECT_EQ(ClientPeers[1], nullptr);
   EXPECT_EQ(Console.Said().back(), "Cid has left the game");
@@ -173,9 +164,8 @@ TEST_F(ServerTest, LeavingRenumbersTheOthers) {
 TEST_F(ServerTest, PollTakesEventsWithinItsBudgetInOrder) {
   TestHost &a = Join(18);
   for (const char *name : {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9"})
-    a.Send(Pkt(PACKET_REPORT_PLAYER_NAME, {}, name));
-  // With no time to spare a poll handles one event, and the next poll the
-  // next: the names come one by one, in order.
+    a.Send(Pkt(NP_REPORT_PLAYER_NAME, {}, name));
+  // A poll with no time to spare takes one event: the names come in order.
   std::string names;
   PumpUntil([&] { NET_ServerPollWithin(0), a.Service(); },
             [&] {
@@ -192,25 +182,24 @@ TEST_F(ServerTest, SendRefusalsAndTheFlushedGoodbye) {
   Console.Clear();
   Game.Mode = GAME_MODE_SINGLE;
   PacketSkipPlayerId = 1;
-  EXPECT_FALSE(NP_SendPacket(NP_TO_ALL, PACKET_PONG, ""));
+  EXPECT_FALSE(NP_SendPacket(NP_TO_ALL, NP_PONG, ""));
   EXPECT_EQ(PacketSkipPlayerId, 1);
   Game.Mode = GAME_MODE_SERVER;
   NetworkInitialised = false;
-  EXPECT_FALSE(NP_SendPacket(NP_TO_ALL, PACKET_UPDATE_EYES, ""));
+  EXPECT_FALSE(NP_SendPacket(NP_TO_ALL, NP_UPDATE_EYES, ""));
   EXPECT_EQ(PacketSkipPlayerId, -1);
   NetworkInitialised = true;
-  for (int to : {(int)NP_TO_SERVER, 77, 0}) EXPECT_TRUE(NP_SendPacket(to, PACKET_PONG, ""));
+  for (int to : {(int)NP_TO_SERVER, 77, 0}) EXPECT_TRUE(NP_SendPacket(to, NP_PONG, ""));
   EXPECT_EQ(Console.Lines(), (Texts{"Can not send packet, network is not initialised (packet type=23)",
                                     "Server attempted to send a packet to itself!",
                                     "Warning GetPlayerNumber failed to resolve player ID 77",
                                     "Packets destination player ID is invalid 77 (packet type 51)"}));
-  // Nothing services the server's host from here: only the goodbye is
-  // flushed at once, and what was queued before it with it.
-  EXPECT_TRUE(NP_SendPacket(NP_TO_DEFAULT, PACKET_UPDATE_EYES, "%d,%d", 0, 4));
-  EXPECT_TRUE(NP_SendPacket(1, PACKET_PONG, ""));
+  // Unserviced, the host sends only once a goodbye flushes it.
+  EXPECT_TRUE(NP_SendPacket(NP_TO_DEFAULT, NP_UPDATE_EYES, "%d,%d", 0, 4));
+  EXPECT_TRUE(NP_SendPacket(1, NP_PONG, ""));
   PumpUntil([&] { a.Service(1); }, [] { return false; }, 150);
   EXPECT_EQ(a.Received.size(), 18u);
-  EXPECT_TRUE(NP_SendPacket(NP_TO_ALL, PACKET_UPDATE_QUIT, "%d", 5));
+  EXPECT_TRUE(NP_SendPacket(NP_TO_ALL, NP_UPDATE_QUIT, "%d", 5));
   EXPECT_TRUE(PumpUntil([&] { a.Service(1); }, [&] { return a.Received.size() == 21; }, 2000));
   EXPECT_EQ(a.Seen(18), (Texts{"1: 17 00 00 04 00 00", "1: 33 00", "1: 14 05 00 00"}));
 }
