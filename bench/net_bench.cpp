@@ -112,7 +112,7 @@ int main(int argc, char **argv) {
       std::printf("the 7th client did not join in round %d\n", round);
       return 1;
     }
-    joins.push_back(seventh->Times.back() - seventh->ConnectTime);
+    joins.push_back(seventh->Received.back().Time - seventh->ConnectTime);
     seventh->Send(Pkt(NP_REPORT_QUIT));
     bench.FramesUntil([] { return Game.GetPlayerCount() == 7; }, 2000);
     bench.Clients.pop_back();
@@ -131,7 +131,7 @@ int main(int argc, char **argv) {
       std::printf("pick %d did not arrive\n", round);
       return 1;
     }
-    picks.push_back(b.Times[seen] - sent);
+    picks.push_back(b.Received[seen].Time - sent);
     // The next pick starts at a different point of the frame.
     usleep((useconds_t)(round % 5) * 4000);
   }

@@ -87,12 +87,7 @@ bool LoadModel(ModelClass &model, const CatalogueInfo &info, const char *key, co
   error = model.Error;
   // A failed Load keeps its msModel for a next Load that never comes: the
   // entry is dropped, so the msModel goes with it.
-  model.Unload();
-  if (model.ModelAllocated) {
-    delete model.Model;
-    model.Model = nullptr;
-    model.ModelAllocated = false;
-  }
+  if (model.ModelAllocated) delete model.Model;
   return false;
 }
 
@@ -151,6 +146,8 @@ bool LoadCatalogue(GameClass &game, std::vector<Entry> &entries, PickerBarClass 
                    int background) {
   RVK_SetConfigFile(RVK_NativePath(info.File).c_str());
   int count = ReadCatalogueCount();
+  // A missing file reads as a count of 0. The load ends there, and what it
+  // has taken so far stays: the menu goes on showing its backdrop.
   if (count == 0) {
     game.LoadError = info.EmptyText;
     return false;
@@ -178,7 +175,12 @@ bool LoadCatalogue(GameClass &game, std::vector<Entry> &entries, PickerBarClass 
     ReadEntryKeys(e, section);
     bar.Add(e.Thumbnail, e.Name.c_str());
   }
-  if (entries.empty()) return false;
+  if (entries.empty()) {
+    // Bodies come first: without one only the backdrops are taken, and they
+    // stay. A later catalogue without entries releases everything.
+    if (info.NoneText) UnloadGame(game);
+    return false;
+  }
   RVK_Message(info.LogText, (int)entries.size());
   return true;
 }
@@ -196,6 +198,13 @@ void DestroyCue(SAMPLE *&sample) {
   if (sample) destroy_sample(sample);
   sample = nullptr;
 }
+
+// The cue of each catalogue, in their order.
+SAMPLE *GameClass::*const CUES[CATALOGUE_COUNT] = {
+    &GameClass::CharacterSample, &GameClass::EyesSample,      &GameClass::EarsSample,
+    &GameClass::NoseSample,      &GameClass::MouthSample,     &GameClass::EyebrowsSample,
+    &GameClass::MoustacheSample, &GameClass::FeetSample,      &GameClass::HatSample,
+};
 
 }  // namespace
 
@@ -263,8 +272,6 @@ bool LoadGame(GameClass &game) {
 
   const int grey = makecol(151, 151, 151);
   const int blue = makecol(51, 127, 178);
-  // A false answer always leaves nothing loaded behind, whichever catalogue
-  // stopped the load, so a failed reload neither leaks nor keeps half a game.
   bool ok = LoadCatalogue(game, game.Characters, game.CharacterBar, CHARACTERS, grey) &&
             LoadCatalogue(game, game.Eyes, game.EyesBar, EYES, blue) &&
             LoadCatalogue(game, game.Ears, game.EarsBar, EARS, blue) &&
@@ -274,28 +281,33 @@ bool LoadGame(GameClass &game) {
             LoadCatalogue(game, game.Moustaches, game.MoustacheBar, MOUSTACHES, blue) &&
             LoadCatalogue(game, game.Feet, game.FeetBar, FEET, blue) &&
             LoadCatalogue(game, game.Hats, game.HatBar, HATS, blue);
-  if (!ok) {
-    UnloadGame(game);
-    return false;
-  }
+  if (!ok) return false;
 
-  if (SoundOn) {
-    // A cue that can't be read stays null; playing it says so on the console.
-    game.CharacterSample = LoadCue(CHARACTERS.Cue);
-    game.EyesSample = LoadCue(EYES.Cue);
-    game.EarsSample = LoadCue(EARS.Cue);
-    game.NoseSample = LoadCue(NOSES.Cue);
-    game.MouthSample = LoadCue(MOUTHS.Cue);
-    game.EyebrowsSample = LoadCue(EYEBROWS.Cue);
-    game.MoustacheSample = LoadCue(MOUSTACHES.Cue);
-    game.FeetSample = LoadCue(FEET.Cue);
-    game.HatSample = LoadCue(HATS.Cue);
-  }
+  // A cue that can't be read stays null; playing it says so on the console.
+  if (SoundOn)
+    for (int i = 0; i < CATALOGUE_COUNT; i++) game.*CUES[i] = LoadCue(CATALOGUES[i].Cue);
+  return true;
+}
+
+bool CataloguesLoaded(const GameClass &game) {
+  const size_t sizes[CATALOGUE_COUNT] = {game.Characters.size(), game.Eyes.size(),     game.Ears.size(),
+                                         game.Noses.size(),      game.Mouths.size(),   game.Eyebrows.size(),
+                                         game.Moustaches.size(), game.Feet.size(),     game.Hats.size()};
+  for (size_t size : sizes)
+    if (size == 0) return false;
   return true;
 }
 
 void UnloadGame(GameClass &game) {
-  for (int i = 0; i < 9; i++) game.Bar(i).Free();
+  game.CharacterBar.Free();
+  game.EyesBar.Free();
+  game.EarsBar.Free();
+  game.NoseBar.Free();
+  game.MouthBar.Free();
+  game.EyebrowsBar.Free();
+  game.MoustacheBar.Free();
+  game.FeetBar.Free();
+  game.HatBar.Free();
   game.MenuBackTexture.Free();
   game.NoneTexture.Free();
   game.ConnectingTexture.Free();
@@ -308,15 +320,6 @@ void UnloadGame(GameClass &game) {
   UnloadCatalogue(game.Moustaches);
   UnloadCatalogue(game.Feet);
   UnloadCatalogue(game.Hats);
-  if (SoundOn) {
-    DestroyCue(game.CharacterSample);
-    DestroyCue(game.EyesSample);
-    DestroyCue(game.EarsSample);
-    DestroyCue(game.NoseSample);
-    DestroyCue(game.MouthSample);
-    DestroyCue(game.EyebrowsSample);
-    DestroyCue(game.MoustacheSample);
-    DestroyCue(game.FeetSample);
-    DestroyCue(game.HatSample);
-  }
+  if (SoundOn)
+    for (SAMPLE *GameClass::*cue : CUES) DestroyCue(game.*cue);
 }

@@ -98,3 +98,5 @@ void ReadEntryKeys(HatEntry &e, const char *section);
 class GameClass;
 bool LoadGame(GameClass &game);
 void UnloadGame(GameClass &game);
+// True when every catalogue holds an entry, as after a LoadGame that succeeded.
+bool CataloguesLoaded(const GameClass &game);

@@ -98,7 +98,8 @@ static bool RunDialog(const char *title, const char *okCaption, const char *okIc
       result = true;
       break;
     }
-    if (cancel.Pressed) break;
+    // A request to close the program leaves the dialog as Cancel does.
+    if (cancel.Pressed || RVK_CloseRequested()) break;
   }
   for (int i = 0; i < fieldCount; i++) text[i].ReleaseFocusId();
   return result;
@@ -181,7 +182,7 @@ bool NET_StartServer() {
 static void WaitForEscRelease() {
   for (;;) {
     if (keyboard_needs_poll()) poll_keyboard();
-    if (!key[KEY_ESC]) break;
+    if (!key[KEY_ESC] || RVK_CloseRequested()) break;
     rest(1);
   }
 }
@@ -264,7 +265,7 @@ bool NET_ConnectToServer() {
       }
     }
     if (keyboard_needs_poll()) poll_keyboard();
-    if (key[KEY_ESC]) {
+    if (key[KEY_ESC] || RVK_CloseRequested()) {
       WaitForEscRelease();
       return CancelConnection();
     }
@@ -282,7 +283,7 @@ bool NET_ConnectToServer() {
     RVK_WaitFrame();
     RVK_EndFrame();
     if (keyboard_needs_poll()) poll_keyboard();
-    if (key[KEY_ESC]) {
+    if (key[KEY_ESC] || RVK_CloseRequested()) {
       WaitForEscRelease();
       return CancelConnection();
     }

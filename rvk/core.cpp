@@ -5,6 +5,7 @@
 #include <alleggl.h>
 #include <GL/gl.h>
 #include <GL/glu.h>
+#include <csignal>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -32,6 +33,7 @@ static int PointerVert = 0;
 static int PointerHoriz = 0;
 static int PointerMove = 0;
 static TimerClass FrameTimer;
+static volatile std::sig_atomic_t CloseRequest = 0;
 static std::vector<TooltipRecord> Tooltips;
 static unsigned char SampleVolume = 128;
 // The library has no call that turns its own sound on: the game plays its
@@ -381,6 +383,16 @@ void RVK_SetSampleVolume(int volume) {
 
 void RVK_PlaySample(SAMPLE *sample) {
   if (SoundOn && sample != nullptr) play_sample(sample, SampleVolume, 127, 1000, 0);
+}
+
+// ---- Close request ----
+
+void RVK_RequestClose(bool requested) {
+  CloseRequest = requested ? 1 : 0;
+}
+
+bool RVK_CloseRequested() {
+  return CloseRequest != 0;
 }
 
 // ---- Error log ----

@@ -77,10 +77,10 @@ std::string CheckTgaPackets(const uint8_t *data, size_t size, size_t pos, uint32
 // Bytes in the UTF-8 sequence that this byte starts; 0 when it starts none.
 size_t Utf8Length(uint8_t lead) {
   if (lead < 0x80) return 1;
-  if (lead >= 0xC2 && lead <= 0xDF) return 2;
-  if (lead >= 0xE0 && lead <= 0xEF) return 3;
-  if (lead >= 0xF0 && lead <= 0xF4) return 4;
-  return 0;
+  if (lead < 0xC0) return 0;
+  if (lead < 0xE0) return 2;
+  if (lead < 0xF0) return 3;
+  return lead < 0xF8 ? 4 : 0;
 }
 
 // Whether a sequence of that length has its continuation bytes and is the
@@ -164,12 +164,13 @@ std::string RVK_CheckWav(const uint8_t *data, size_t size) {
 
 // Strict UTF-8: no stray or missing continuation bytes, no overlong forms,
 // surrogates or code points beyond U+10FFFF. Allegro also writes some lines
-// back in a form that it then reads differently, so that settings written
+// back in a form that it then reads differently, so that the settings written
 // are not the settings read: lines holding control characters other than
-// tabs, and section names with blanks in their brackets. Those are refused.
+// tabs, and section lines with an equals sign, or with blanks between their
+// brackets. Those are refused.
 std::string RVK_CheckConfigText(const uint8_t *data, size_t size) {
   int line = 1;
-  bool lineStart = true, inSectionName = false;
+  bool lineStart = true, sectionLine = false, sectionName = false;
   for (size_t i = 0; i < size; i += Utf8Length(data[i])) {
     uint8_t c = data[i];
     size_t length = Utf8Length(c);
@@ -178,9 +179,11 @@ std::string RVK_CheckConfigText(const uint8_t *data, size_t size) {
     bool blank = c == ' ' || c == '\t';
     if ((c < ' ' || c == 0x7F) && !blank && c != '\n' && c != '\r')
       return Reason("a control character (line %d)", line, 0);
-    if (inSectionName && blank) return Reason("a blank in a section name (line %d)", line, 0);
+    sectionLine = c != '\n' && (sectionLine || (lineStart && c == '['));
+    sectionName = sectionLine && c != ']' && (sectionName || c == '[');
+    if ((sectionName && blank) || (sectionLine && c == '='))
+      return Reason("a section name that is read back differently (line %d)", line, 0);
     if (c == '\n') line++;
-    inSectionName = (inSectionName || (lineStart && c == '[')) && c != ']' && c != '\n';
     lineStart = c == '\n' || (lineStart && blank);
   }
   return "";

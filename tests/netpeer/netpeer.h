@@ -47,8 +47,12 @@ public:
   ENetHost *Host = nullptr;
   ENetPeer *Peer = nullptr;  // the server, or the last peer that connected
   std::vector<ENetPeer *> Peers;
-  std::vector<std::pair<Bytes, int>> Received;
-  std::vector<double> Times;
+  struct Packet {
+    Bytes Data;
+    int Channel;
+    double Time;
+  };
+  std::vector<Packet> Received;
   double ConnectTime = 0;
 
   ~TestHost() { Close(); }
@@ -58,13 +62,13 @@ public:
     Host = enet_host_create(server ? &address : nullptr, server ? 8 : 1, 2, 0, 0);
     return Host && (server || (Peer = enet_host_connect(Host, &address, 2, 0)));
   }
+  bool StartClient(uint16_t port) { return Start(port, false); }
   bool Connected() const { return ConnectTime > 0; }
   void Service(int wait = 0) {
     for (ENetEvent e; Host && enet_host_service(Host, &e, (enet_uint32)wait) > 0; wait = 0) {
       if (e.type == ENET_EVENT_TYPE_CONNECT) ConnectTime = NowMs(), Peers.push_back(Peer = e.peer);
       if (e.type != ENET_EVENT_TYPE_RECEIVE) continue;
-      Received.push_back({Bytes(e.packet->data, e.packet->data + e.packet->dataLength), e.channelID});
-      Times.push_back(NowMs());
+      Received.push_back({Bytes(e.packet->data, e.packet->data + e.packet->dataLength), e.channelID, NowMs()});
       enet_packet_destroy(e.packet);
     }
   }
@@ -76,7 +80,7 @@ public:
   Texts Seen(size_t from = 0) const {
     Texts out;
     for (size_t i = from; i < Received.size(); i++)
-      out.push_back(std::to_string(Received[i].second) + ": " + Hex(Received[i].first));
+      out.push_back(std::to_string(Received[i].Channel) + ": " + Hex(Received[i].Data));
     return out;
   }
   std::string LocalPort() const {
