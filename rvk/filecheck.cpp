@@ -25,6 +25,8 @@ const uint8_t TGA_PACKET_RUN = 0x80, TGA_PACKET_COUNT = 0x7F;
 // map leaves entries it reads unset, and 15-bit entries go wrong.
 const uint32_t TGA_MAP_LENGTH = 256;
 
+const size_t CONFIG_MAX_LINE = 200;
+
 const uint16_t WAV_PCM = 1;
 const uint32_t WAV_FORMAT_SIZE = 16;
 const uint32_t WAV_MAX_RATE = 192000;
@@ -167,9 +169,11 @@ std::string RVK_CheckWav(const uint8_t *data, size_t size) {
 // back in a form that it then reads differently, so that the settings written
 // are not the settings read: lines holding control characters other than
 // tabs, and section lines with an equals sign, or with blanks between their
-// brackets. Those are refused.
+// brackets. Those are refused, and so are long lines: Allegro's reader writes
+// past a buffer on lines of about 250 bytes that hold characters beyond ASCII.
 std::string RVK_CheckConfigText(const uint8_t *data, size_t size) {
   int line = 1;
+  size_t lineLength = 0;
   bool lineStart = true, sectionLine = false, sectionName = false;
   for (size_t i = 0; i < size; i += Utf8Length(data[i])) {
     uint8_t c = data[i];
@@ -183,6 +187,8 @@ std::string RVK_CheckConfigText(const uint8_t *data, size_t size) {
     sectionName = sectionLine && c != ']' && (sectionName || c == '[');
     if ((sectionName && blank) || (sectionLine && c == '='))
       return Reason("a section name that is read back differently (line %d)", line, 0);
+    lineLength = c == '\n' ? 0 : lineLength + length;
+    if (lineLength > CONFIG_MAX_LINE) return Reason("a line longer than %d bytes (line %d)", (int)CONFIG_MAX_LINE, line);
     if (c == '\n') line++;
     lineStart = c == '\n' || (lineStart && blank);
   }

@@ -1,6 +1,5 @@
-// What the file checks let through to Allegro: each row is a file's bytes and
-// the reason it is refused, empty when it passes; every limit is met from
-// both sides.
+// What the file checks let through to Allegro: a file's bytes and the reason
+// they are refused, empty when they pass.
 #include <gtest/gtest.h>
 #include <string>
 #include "rvk/filecheck.h"
@@ -48,7 +47,8 @@ TEST(FileCheck, EachKindOfFileIsRefusedForItsReason) {
       {RVK_CheckWav, Wav(Format(3, 8)), "3 channels; only mono and stereo are played"},
       {RVK_CheckWav, Wav(Format(2, 24)), "24-bit samples; only 8 and 16 bits are played"},
       {RVK_CheckWav, std::string("RIFF\0\0\0\0WAVf", 12), "not a WAV sound"},
-      {RVK_CheckConfigText, "[a]\nb = [c d] \xc3\xa9\t\xf4\x8f\xbf\xbf\r\n", ""},
+      {RVK_CheckConfigText, "[a]\nb = [c d] \xc3\xa9\t\xf4\x8f\xbf\xbf\r\n" + std::string(200, 'a'), ""},
+      {RVK_CheckConfigText, "\n" + std::string(201, 'a'), "a line longer than 200 bytes (line 2)"},
       {RVK_CheckConfigText, "a\n\xc0\x80", "not UTF-8 text (line 2)"},
       {RVK_CheckConfigText, "\xf4\x90\x80\x80", "not UTF-8 text (line 1)"},
       {RVK_CheckConfigText, "\xed\xa0\x80", "not UTF-8 text (line 1)"},
