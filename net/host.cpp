@@ -199,9 +199,8 @@ static bool CancelConnection() {
 // clamped number would make this client another player's record, and the
 // wait simply goes on until a sound one comes or the user presses Esc.
 static bool ApplyPlayerNumber(const PacketFieldList &fields) {
-  if (fields.size() < 2) return false;
-  int number = std::atoi(fields[0].c_str());
-  int count = std::atoi(fields[1].c_str());
+  int number = std::atoi(NP_FieldText(fields, 0));
+  int count = std::atoi(NP_FieldText(fields, 1));
   if (count < 1 || count > MAX_PLAYERS || number < 0 || number >= count) return false;
   Game.SetPlayerCount(count, true);
   for (PlayerClass &player : Game.Players) ResetPlayer(player);

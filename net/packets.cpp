@@ -35,11 +35,8 @@ void NP_RegisterPacket(int type, const char *name, const char *description) {
   }
 }
 
-int NP_FieldCount(int type) {
-  if (type < 0 || type >= PACKET_TYPE_COUNT) return 0;
-  int count = 0;
-  while (count < PACKET_FIELD_TYPES_SIZE && PacketTable[type].FieldTypes[count]) count++;
-  return count;
+int NP_FieldCount(uint8_t type) {
+  return type < PACKET_TYPE_COUNT ? (int)std::strlen((const char *)PacketTable[type].FieldTypes) : 0;
 }
 
 // Each row's type, name and parameter description; only the first letter of

@@ -88,7 +88,7 @@ const char *NP_FieldText(const PacketFieldList &fields, size_t index);
 void NP_InitPacketTable();
 void NP_RegisterPacket(int type, const char *name, const char *description);
 // Number of fields in a row (0 for a type without a row).
-int NP_FieldCount(int type);
+int NP_FieldCount(uint8_t type);
 
 // Decodes `length` bytes of a received packet into `list` and gives its type.
 int32_t NP_ParsePacket(PacketFieldList &list, const uint8_t *data, size_t length);

@@ -23,15 +23,12 @@ static std::string PeerAddressText(const ENetPeer *peer) {
 
 // ---- Peer tags ----------------------------------------------------------------
 
+// A copy of the player's ID in decimal from malloc; the peer carries no tag
+// before (every untagging frees and clears it).
 void NET_TagPeer(int number, ENetPeer *peer) {
-  if (!peer || number < 0 || number >= Game.GetPlayerCount()) return;
   char id[16];
   std::snprintf(id, sizeof(id), "%d", Game.Players[number].PlayerId);
-  char *tag = (char *)std::malloc(std::strlen(id) + 1);
-  if (!tag) return;
-  std::strcpy(tag, id);
-  std::free(peer->data);
-  peer->data = tag;
+  peer->data = strdup(id);
 }
 
 void NET_FreePeerTags() {
@@ -160,7 +157,6 @@ static void ReportPlayerName(int number, int32_t id, const char *name) {
 
 void NET_ServerDispatch(int number, int32_t id, int32_t type, const PacketFieldList &fields) {
   GameClass &game = Game;
-  if (number < 0 || number >= game.GetPlayerCount()) return;
   if (type == NP_REPORT_QUIT) {
     NET_RemovePlayer(number);
   } else if (type == NP_REPORT_PLAYER_NAME) {

@@ -20,8 +20,9 @@ void NET_HandleCommonPacket(int32_t type, PacketFieldList fields);
 void NET_TagPeer(int number, ENetPeer *peer);
 void NET_FreePeerTags();
 
-// The handling of one parsed packet from the client at roster `number`
-// (its ID `id`), apart from ENet so that it can be driven directly.
+// The handling of one parsed packet from the client at roster `number`, a
+// record of the roster, with the ID `id`; apart from ENet so that it can be
+// driven directly.
 void NET_ServerDispatch(int number, int32_t id, int32_t type, const PacketFieldList &fields);
 
 // The set-part operations, Character to Hat, in the order of their Report

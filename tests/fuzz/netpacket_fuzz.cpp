@@ -1,12 +1,10 @@
-// Feeds any bytes to the packet parser and the parsed packet to the server's
-// or the client's dispatch. The first byte picks the side and the sender's
-// number; the rest is the packet as ENet would deliver it.
+// Any bytes through the packet parser into a dispatch: the first byte picks
+// the server's or the client's and the sender, the rest is the packet.
 #include "app/game.h"
 #include "net/client.h"
 #include "net/server.h"
 
-// Compiled in so that libFuzzer sees their branches: the libraries of a fuzz
-// build carry no coverage instrumentation.
+// Compiled in: the libraries of a fuzz build carry no coverage.
 #include "net/client.cpp"
 #include "net/netstate.cpp"
 #include "net/packets.cpp"
@@ -16,7 +14,6 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   static bool ready = (NP_InitPacketTable(), Game.Characters.resize(3), Game.Eyes.resize(2), Game.Hats.resize(2), true);
   if (size < 1 || !ready) return 0;
-  // A roster of four, the local record at number 1 as on a client.
   if (Game.GetPlayerCount() < 2) {
     Game.Players.assign(4, PlayerClass());
     for (int i = 0; i < 4; i++) ResetPlayer(Game.Players[i]), Game.Players[i].PlayerId = i * 3;
@@ -27,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   Game.Mode = data[0] & 0x80 ? GAME_MODE_SERVER : GAME_MODE_CLIENT;
   Game.SetLocalPlayer(Game.Mode == GAME_MODE_SERVER ? 0 : 1);
   if (Game.Mode == GAME_MODE_SERVER) NET_ServerDispatch(number, Game.Players[number].PlayerId, type, fields);
-  // A differing version opens a modal box, which needs a window.
+  // A differing version opens a box, which needs a window.
   if (Game.Mode == GAME_MODE_CLIENT && type != NP_VERSION_INFO) NET_ClientDispatch(type, fields);
   if (Game.GetPlayerCount() > MAX_PLAYERS || Game.LocalPlayer != &Game.Players[Game.LocalPlayerNumber])
     __builtin_trap();

@@ -1,12 +1,11 @@
-// Feeds the server's event handling connects, packets and disconnects of
-// nine peers, as ENet gives them, and checks its peer table against the
-// roster after each. A byte picks the event and the peer; a packet's length
-// and bytes follow it.
+// Connects, packets and disconnects of nine peers, as ENet gives them, to the
+// server, its peer table checked after each. A byte picks the event and the
+// peer; a packet's length and bytes follow.
 #include "app/game.h"
 #include "net/netstate.h"
 #include "net/server.h"
 
-// Compiled in so that libFuzzer sees their branches (see netpacket_fuzz).
+// Compiled in: the libraries of a fuzz build carry no coverage.
 #include "net/client.cpp"
 #include "net/netstate.cpp"
 #include "net/packets.cpp"
@@ -14,8 +13,7 @@
 #include "net/server.cpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-  // A host whose peers never connect at ENet's level: all that the server
-  // sends them is refused on the spot.
+  // Peers never connected at ENet's level: they refuse what they are sent.
   static ENetHost *host = (enet_initialize(), NP_InitPacketTable(), Game.Characters.resize(2),
                            enet_host_create(nullptr, MAX_PLAYERS + 1, 2, 0, 0));
   for (size_t i = 0; i < host->peerCount; i++) std::free(host->peers[i].data), host->peers[i].data = nullptr;
@@ -40,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     }
     on[which] = event.type == ENET_EVENT_TYPE_CONNECT || (on[which] && event.type != ENET_EVENT_TYPE_DISCONNECT);
     NET_ServerHandleEvent(event);
-    // Entry i of the table is the peer of record i, tagged with its ID.
+    // Entry i is the peer of record i, tagged with its ID.
     int count = Game.GetPlayerCount();
     if (count < 1 || count > MAX_PLAYERS || Game.LocalPlayer != &Game.Players[0]) __builtin_trap();
     for (int i = 1; i < MAX_PLAYERS; i++) {

@@ -13,7 +13,7 @@
 typedef std::vector<uint8_t> Bytes;
 typedef std::vector<std::string> Texts;
 
-// A packet: the type, 16-bit fields, maybe a text, the closing zero.
+// A packet as on the wire: its type byte, 16-bit fields, maybe a text, a zero.
 inline Bytes Pkt(uint8_t type, std::initializer_list<int> shorts = {}, const char *text = nullptr) {
   Bytes b{type};
   auto put = [&](int v) { b.insert(b.end(), {(uint8_t)v, (uint8_t)(v >> 8)}); };
@@ -24,9 +24,8 @@ inline Bytes Pkt(uint8_t type, std::initializer_list<int> shorts = {}, const cha
 }
 inline std::string Hex(const Bytes &b) {
   std::string s;
-  char t[4];
-  for (uint8_t c : b) s += (std::snprintf(t, sizeof t, " %02X", c), t);
-  return s.substr(s.empty() ? 0 : 1);
+  for (uint8_t c : b) s += "0123456789ABCDEF"[c >> 4], s += "0123456789ABCDEF"[c & 15], s += ' ';
+  return s.substr(0, s.size() - !s.empty());
 }
 
 // A port per test run, so that runs side by side don't clash.
@@ -46,7 +45,6 @@ class TestHost {
 public:
   ENetHost *Host = nullptr;
   ENetPeer *Peer = nullptr;  // the server, or the last peer that connected
-  std::vector<ENetPeer *> Peers;
   struct Packet {
     Bytes Data;
     int Channel;
@@ -55,7 +53,9 @@ public:
   std::vector<Packet> Received;
   double ConnectTime = 0;
 
-  ~TestHost() { Close(); }
+  ~TestHost() {
+    if (Host) enet_host_destroy(Host);
+  }
   bool Start(uint16_t port, bool server) {
     ENetAddress address{ENET_HOST_ANY, port};
     enet_address_set_host(&address, "127.0.0.1");
@@ -65,8 +65,8 @@ public:
   bool StartClient(uint16_t port) { return Start(port, false); }
   bool Connected() const { return ConnectTime > 0; }
   void Service(int wait = 0) {
-    for (ENetEvent e; Host && enet_host_service(Host, &e, (enet_uint32)wait) > 0; wait = 0) {
-      if (e.type == ENET_EVENT_TYPE_CONNECT) ConnectTime = NowMs(), Peers.push_back(Peer = e.peer);
+    for (ENetEvent e; enet_host_service(Host, &e, (enet_uint32)wait) > 0; wait = 0) {
+      if (e.type == ENET_EVENT_TYPE_CONNECT) ConnectTime = NowMs(), Peer = e.peer;
       if (e.type != ENET_EVENT_TYPE_RECEIVE) continue;
       Received.push_back({Bytes(e.packet->data, e.packet->data + e.packet->dataLength), e.channelID, NowMs()});
       enet_packet_destroy(e.packet);
@@ -88,10 +88,6 @@ public:
     enet_socket_get_address(Host->socket, &a);
     return std::to_string(a.port);
   }
-  void Close() {
-    if (Host) enet_host_destroy(Host);
-    Host = nullptr;
-  }
 };
 
 // The console's lines from its log; Said() leaves out the cues' (sound is off).
@@ -104,8 +100,8 @@ public:
     Texts lines;
     std::rewind(File);
     for (char b[2048]; std::fgets(b, sizeof b, File);) {
-      std::string line(b, std::string(b).size() - 1);
-      line.erase(0, line.find(": ", 20) + 2);  // "dd/mm/yyyy - hh:mm:ss: "
+      std::string line = std::strchr(b + 20, ':') + 2;  // after "dd/mm/yyyy - hh:mm:ss: "
+      line.pop_back();
       if (cues || line.rfind("Not playing", 0)) lines.push_back(line);
     }
     return lines;

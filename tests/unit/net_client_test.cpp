@@ -3,6 +3,7 @@
 #include <tuple>
 #include "app/parts.h"
 #include "net/client.h"
+#include "net/send.h"
 #include "netpeer/netpeer.h"
 
 // The client is number 1 (ID 2) between the server's player (ID 0) and Bob
@@ -42,53 +43,55 @@ auto Record(const PlayerClass &p) {
 }
 
 TEST_F(ClientTest, AppliesTheServersWordToThePlayerOfTheId) {
-  for (const Bytes &b : {Pkt(NP_UPDATE_EYES, {8, 2}), Pkt(NP_UPDATE_EARS, {8, -1}),
-                         Pkt(NP_UPDATE_HAT, {8, 1}), Pkt(NP_UPDATE_HAT, {8, 5}),  // no such hat: refused
-                         Pkt(NP_UPDATE_CHARACTER, {8, 2}), Pkt(NP_UPDATE_CHARACTER, {8, 9}),  // body 0
+  EXPECT_EQ(PacketSkipPlayerId, -1);
+  for (const Bytes &b : {Pkt(23, {8, 2}), Pkt(24, {8, -1}),
+                         Pkt(30, {8, 1}), Pkt(30, {8, 5}),  // no such hat: refused
+                         Pkt(22, {8, 2}), Pkt(22, {8, 9}),  // body 0
                          Bytes{31, 8, 0, 0, 0, 0x40, 0x40}, Bytes{32, 8, 0, 0, 0, 0x80, 0xC1},
-                         Bytes{33, 8, 0, 0, 0, 0xC0, 0x3F}, Pkt(NP_UPDATE_PLAYER_NAME, {8}, "B\rb 50%"),
-                         Pkt(NP_UPDATE_EYES, {77, 1}), Pkt(NP_PONG), Pkt(NP_PING), Pkt(NP_REPORT_EYES, {1}),
-                         Pkt(NP_SET_PLAYER_NUMBER, {0, 1}), Pkt(11), Bytes{23, 6},
-                         Pkt(NP_VERSION_INFO, {}, "Tumblekin v1.0")})
+                         Bytes{33, 8, 0, 0, 0, 0xC0, 0x3F}, Pkt(21, {8}, "B\rb 50%")})
     EXPECT_TRUE(Apply(b)) << Hex(b);
   EXPECT_EQ(Record(Game.Players[2]), std::make_tuple(0, 2, -1, 1, 3.0f, -16.0f, 1.5f, std::string("B,b 50%")));
-  EXPECT_EQ(Record(Game.Players[1]), std::make_tuple(0, 0, 0, 0, 0.0f, 0.0f, 0.0f, std::string()));
-  EXPECT_EQ(Console.Said(), (Texts{"Warning GetPlayerNumber failed to resolve player ID 77",
-                                   "Recieved ping reply from server",
-                                   "Client and server versions match (Tumblekin v1.0)"}));
-  EXPECT_TRUE(Apply(Pkt(NP_UPDATE_PLAYER_NAME, {8}, "")));
+  EXPECT_TRUE(Apply(Pkt(21, {8}, "")));
   EXPECT_EQ(Game.Players[2].PlayerName, "");
+  Console.Clear();
+  for (const Bytes &b : {Pkt(23, {77, 1}), Pkt(51), Pkt(50), Pkt(3, {1}),
+                         Pkt(40, {0, 1}), Pkt(11), Bytes{23, 6},
+                         Pkt(53, {}, "Tumblekin v1.0")})
+    EXPECT_TRUE(Apply(b)) << Hex(b);
+  EXPECT_EQ(Console.Lines(), (Texts{"Warning GetPlayerNumber failed to resolve player ID 77",
+                                    "Recieved ping reply from server",
+                                    "Client and server versions match (Tumblekin v1.0)"}));
 
   // Indices and counts from the server stay inside the roster.
-  for (const Bytes &b : {Pkt(NP_UPDATE_JOINED, {4, 9}), Pkt(NP_UPDATE_PLAYER_ID, {3, 11}),
-                         Pkt(NP_UPDATE_PLAYER_ID, {0, 1}), Pkt(NP_UPDATE_PLAYER_ID, {-1, 12}),
-                         Pkt(NP_UPDATE_PLAYER_ID, {4, 12}), Pkt(NP_UPDATE_JOINED, {0, 13}),
-                         Pkt(NP_UPDATE_JOINED, {9, 13}), Pkt(NP_UPDATE_JOINED, {1, 13})})
+  for (const Bytes &b : {Pkt(18, {4, 9}), Pkt(19, {3, 11}),
+                         Pkt(19, {0, 1}), Pkt(19, {-1, 12}),
+                         Pkt(19, {4, 12}), Pkt(18, {0, 13}),
+                         Pkt(18, {9, 13}), Pkt(18, {1, 13})})
     EXPECT_TRUE(Apply(b)) << Hex(b);
   EXPECT_EQ(Ids(), (std::vector<int>{1, 2, 8, 11}));
-  EXPECT_TRUE(Apply(Pkt(NP_UPDATE_JOINED, {8, 15})));
+  EXPECT_TRUE(Apply(Pkt(18, {8, 15})));
   EXPECT_EQ(Ids().back(), 15);
-  EXPECT_TRUE(Apply(Pkt(NP_UPDATE_JOINED, {2, 14})));
+  EXPECT_TRUE(Apply(Pkt(18, {2, 14})));
   EXPECT_EQ(Ids(), (std::vector<int>{1, 14}));
   EXPECT_EQ(Game.LocalPlayer, &Game.Players[1]);
 }
 
 TEST_F(ClientTest, QuitAndConsoleLines) {
-  EXPECT_TRUE(Apply(Pkt(NP_CONSOLE_MESSAGE, {-1, 0x3456, 0x12}, "Bob has joined the game")));
+  EXPECT_TRUE(Apply(Pkt(52, {-1, 0x3456, 0x12}, "Bob has joined the game")));
   EXPECT_EQ(ConsoleLines.back().Colour, 0x123456);
-  EXPECT_TRUE(Apply(Pkt(NP_CONSOLE_MESSAGE, {8, -1, -1}, "hi %d")));
+  EXPECT_TRUE(Apply(Pkt(52, {8, -1, -1}, "hi %d")));
   EXPECT_EQ(ConsoleLines.back().Colour, 0x123456);
   Game.Players[1].PlayerName = "Me";
-  EXPECT_TRUE(Apply(Pkt(NP_UPDATE_QUIT, {2})));
+  EXPECT_TRUE(Apply(Pkt(20, {2})));
   EXPECT_EQ(Console.Said(), (Texts{"Warning GetPlayerNumber failed to resolve player ID -1", "Bob has joined the game",
                                    "Bob: hi %d", "Me has left the game", "DeletePlayer: Not deleting local player 1"}));
   EXPECT_EQ(ConsoleLines.back().Colour, makecol(255, 255, 255));
   Game.Players.insert(Game.Players.begin() + 1, PlayerClass());
   Game.Players[1].PlayerId = 5;
   Game.SetLocalPlayer(2);
-  for (int id : {5, 99}) EXPECT_TRUE(Apply(Pkt(NP_UPDATE_QUIT, {id})));
+  for (int id : {5, 99}) EXPECT_TRUE(Apply(Pkt(20, {id})));
   EXPECT_EQ(Ids(), (std::vector<int>{0, 2, 8}));
   EXPECT_EQ(Game.LocalPlayer, &Game.Players[1]);
-  EXPECT_FALSE(Apply(Pkt(NP_UPDATE_QUIT, {0})));
+  EXPECT_FALSE(Apply(Pkt(20, {0})));
   EXPECT_EQ(Ids(), (std::vector<int>{0, 2, 8}));
 }

@@ -57,7 +57,7 @@ protected:
   }
 };
 
-TEST_F(ServerTest, JoinSequenceReportsAndRelays) {
+TEST_F(ServerTest, JoinReportsRelaysAndLeaving) {
   PlayerClass &host = Game.Players[0];
   SetCharacter(host, 1, false);
   SetEyes(host, 2, false);
@@ -74,111 +74,76 @@ TEST_F(ServerTest, JoinSequenceReportsAndRelays) {
                              "1: 1B 00 00 00 00 00", "1: 1C 00 00 00 00 00", "1: 1D 00 00 00 00 00",
                              "1: 1E 00 00 01 00 00", "1: 1F 00 00 00 00 40 40 00", "1: 20 00 00 00 00 00 C0 00",
                              "1: 21 00 00 00 00 C0 3F 00"}));
-  EXPECT_EQ(Game.Players[1].PlayerId, 1);
   EXPECT_EQ(Game.LocalPlayer, &Game.Players[0]);
   EXPECT_EQ(Console.Said(), (Texts{"NET_InitNetwork: Network initialised.", "Server started on port " +
                                    std::to_string(Port), "Accepted new client connection",
                                    "A new client connected from 100007f:" + a.LocalPort()}));
-
   // A name goes back to its sender too, a part not; a Ping is answered.
-  a.Send(Pkt(NP_REPORT_PLAYER_NAME, {}, "Al\r 100%"));
-  a.Send(Pkt(NP_REPORT_EYES, {3}));
-  a.Send(Pkt(NP_PING));
+  for (const Bytes &p : {Pkt(1, {}, "Al\r 100%"), Pkt(3, {3}), Pkt(50)}) a.Send(p);
   const int white = makecol(255, 255, 255);
   const std::string al = "1: " + Hex(Pkt(21, {1}, "Al\r 100%"));
   EXPECT_EQ(Next(a, 18, 3),
             (Texts{"1: " + Hex(Pkt(52, {-1, white & 0xFFFF, white >> 16}, "Al\r 100% has joined the game")), al,
                    "1: 33 00"}));
   EXPECT_EQ(Console.Said().back(), "Al, 100% has joined the game");
-  EXPECT_EQ(Game.Players[1].PlayerName, "Al, 100%");
-  EXPECT_EQ(Game.Players[1].EyesNumber, 3);
+  EXPECT_EQ(Game.Players[1].PlayerName + std::to_string(Game.Players[1].EyesNumber), "Al, 100%3");
 
   TestHost &b = Join(32);
   Texts bs = b.Seen();
-  EXPECT_EQ((Texts{bs[0], bs[2], bs[5], bs[18], bs[19], bs[20], bs[21]}),
+  EXPECT_EQ((Texts{bs[0], bs[2], bs[5], bs[18], bs[19], bs[21]}),
             (Texts{"1: 28 02 00 03 00 00", "1: 12 03 00 02 00 00", "1: 13 02 00 02 00 00",
-                   "1: 21 00 00 00 00 C0 3F 00", al, "1: 16 01 00 00 00 00", "1: 17 01 00 03 00 00"}));
+                   "1: 21 00 00 00 00 C0 3F 00", al, "1: 17 01 00 03 00 00"}));
   EXPECT_EQ(Next(a, 21, 1), Texts{"1: 12 03 00 02 00 00"});
-
   // Relays go as sent, a console line to all; the rest does nothing.
-  for (const Bytes &p : {Pkt(NP_REPORT_HAT, {99}), Pkt(NP_REPORT_EARS, {1}), Pkt(11),
-                         Pkt(NP_SET_PLAYER_NUMBER, {0, 1}), Bytes{NP_REPORT_EARS, 0},
-                         Pkt(NP_CONSOLE_MESSAGE, {1, -1, -1}, "hi%s")})
+  for (const Bytes &p : {Pkt(10, {99}), Pkt(4, {1}), Pkt(11), Pkt(40, {0, 1}),
+                         Bytes{4, 0}, Pkt(52, {1, -1, -1}, "hi%s")})
     a.Send(p);
   const std::string hi = "1: " + Hex(Pkt(52, {1, -1, -1}, "hi%s"));
   EXPECT_EQ(Next(b, 32, 3), (Texts{"1: 1E 01 00 63 00 00", "1: 18 01 00 01 00 00", hi}));
   EXPECT_EQ(Next(a, 22, 1), Texts{hi});
   EXPECT_EQ(Console.Said().back(), "Al, 100%: hi%s");
-  EXPECT_EQ(Game.Players[1].EarsNumber, 1);
-  EXPECT_EQ(Game.Players[1].HatNumber, 0);
+  EXPECT_EQ(std::to_string(Game.Players[1].EarsNumber) + std::to_string(Game.Players[1].HatNumber), "10");
+
+  // Al quits: B moves down to number 1, the host's pick still reaches it
+  // and its own report finds its record. Then B is lost: the last goodbye
+  // goes to nobody.
+  a.Send(Pkt(0));
+  EXPECT_EQ(Next(b, 35, 1), Texts{"1: 14 01 00 00"});
+  EXPECT_STREQ((const char *)ClientPeers[1]->data, "2");
+  EXPECT_EQ(ClientPeers[2], nullptr);
+  SetNose(Game.Players[0], 1, true);
+  b.Send(Pkt(5, {1}));
+  EXPECT_EQ(Next(b, 36, 1), Texts{"1: 19 00 00 01 00 00"});
+  EXPECT_TRUE(Until([] { return Game.Players[1].NoseNumber == 1; }));
+  enet_peer_disconnect_now(b.Peer, 0);
+  EXPECT_TRUE(Until([] { return Game.GetPlayerCount() == 1; }));
+  EXPECT_EQ(ClientPeers[1], nullptr);
+  Texts said = Console.Said();
+  EXPECT_EQ(Texts(said.end() - 3, said.end()), (Texts{"Al, 100% has left the game", "Connection lost to player 1 ", " has left the game"}));
 }
 
-TEST_F(ServerTest, EighthClientIsRefusedAndIgnored) {
+TEST_F(ServerTest, FullServerAndWhatSendingRefuses) {
   for (size_t i = 1; i <= 7; i++) Join(4 + 14 * i);
   Console.Clear();
   Clients.emplace_back(new TestHost);
-  TestHost &late = *Clients.back();
+  TestHost &late = *Clients.back(), &a = *Clients[0];
   ASSERT_TRUE(late.Start(Port, false) && Until([&] { return Console.Lines().size() == 1; }));
-  late.Send(Pkt(NP_REPORT_EYES, {1}));
-  late.Send(Pkt(NP_REPORT_QUIT));
+  late.Send(Pkt(3, {1}));
+  late.Send(Pkt(0));
   ASSERT_TRUE(Until([&] { return Console.Lines().size() == 3; }));
   enet_peer_disconnect_now(late.Peer, 0);
   ENetEvent none{};
   NET_ServerHandleEvent(none);
   ASSERT_TRUE(Until([&] { return Console.Lines().size() == 5; }));
   const std::string from = " from 100007f:" + late.LocalPort() + ", ";
-  EXPECT_EQ(Console.Lines(),
-            (Texts{"Refused connection attempt" + from + "server is full", "Ignored packet" + from + "which is not in the game",
-                   "Ignored packet" + from + "which is not in the game", "Unknown enet event type 0",
-                   "Connection closed" + from + "which was not in the game"}));
+  EXPECT_EQ(Console.Lines(), (Texts{"Refused connection attempt" + from + "server is full",
+                                    "Ignored packet" + from + "which is not in the game",
+                                    "Ignored packet" + from + "which is not in the game", "Unknown enet event type 0",
+                                    "Connection closed" + from + "which was not in the game"}));
   EXPECT_TRUE(late.Received.empty());
   EXPECT_EQ(Game.GetPlayerCount(), MAX_PLAYERS);
   for (size_t i = 0; i < 7; i++) EXPECT_EQ(Clients[i]->Received.size(), 4 + 14 * (i + 1) + (6 - i));
-}
 
-TEST_F(ServerTest, LeavingRenumbersTheOthers) {
-  TestHost &ann = Join(18), &bob = Join(32), &cid = Join(46);
-  const char *names[] = {"Ann", "Bob", "Cid"};
-  for (int i = 0; i < 3; i++) Clients[i]->Send(Pkt(NP_REPORT_PLAYER_NAME, {}, names[i]));
-  ASSERT_TRUE(Until([&] { return cid.Received.size() == 52; }));
-  // Ann is lost; the host's pick still reaches both others, Cid's finds Cid.
-  enet_peer_disconnect_now(ann.Peer, 0);
-  EXPECT_EQ(Next(cid, 52, 1), Texts{"1: 14 01 00 00"});
-  EXPECT_EQ(Console.Said().end()[-2], "Connection lost to player 1 Ann");
-  EXPECT_EQ(Console.Said().back(), "Ann has left the game");
-  SetNose(Game.Players[0], 1, true);
-  cid.Send(Pkt(NP_REPORT_NOSE, {1}));
-  EXPECT_EQ(Next(bob, 39, 3), (Texts{"1: 14 01 00 00", "1: 19 00 00 01 00 00", "1: 19 03 00 01 00 00"}));
-  EXPECT_EQ(Next(cid, 53, 1), Texts{"1: 19 00 00 01 00 00"});
-  EXPECT_EQ(Game.Players[2].NoseNumber, 1);
-  bob.Send(Pkt(NP_REPORT_QUIT));
-  EXPECT_EQ(Next(cid, 54, 1), Texts{"1: 14 02 00 00"});
-  EXPECT_STREQ((const char *)ClientPeers[1]->data, "3");
-  EXPECT_EQ(ClientPeers[2], nullptr);
-  cid.Send(Pkt(NP_REPORT_QUIT));
-  ASSERT_TRUE(Until([&] { return Game.GetPlayerCount() == 1; }));
-  EXPECT_EQ(ClientPeers[1], nullptr);
-  EXPECT_EQ(Console.Said().back(), "Cid has left the game");
-}
-
-TEST_F(ServerTest, PollTakesEventsWithinItsBudgetInOrder) {
-  TestHost &a = Join(18);
-  for (const char *name : {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9"})
-    a.Send(Pkt(NP_REPORT_PLAYER_NAME, {}, name));
-  // A poll with no time to spare takes one event: the names come in order.
-  std::string names;
-  PumpUntil([&] { NET_ServerPollWithin(0), a.Service(); },
-            [&] {
-              const std::string &name = Game.Players[1].PlayerName;
-              if (!name.empty() && (names.empty() || names.back() != name[0])) names += name;
-              return name == "9";
-            },
-            3000);
-  EXPECT_EQ(names, "0123456789");
-}
-
-TEST_F(ServerTest, SendRefusalsAndTheFlushedGoodbye) {
-  TestHost &a = Join(18);
   Console.Clear();
   Game.Mode = GAME_MODE_SINGLE;
   PacketSkipPlayerId = 1;
@@ -198,8 +163,23 @@ TEST_F(ServerTest, SendRefusalsAndTheFlushedGoodbye) {
   EXPECT_TRUE(NP_SendPacket(NP_TO_DEFAULT, NP_UPDATE_EYES, "%d,%d", 0, 4));
   EXPECT_TRUE(NP_SendPacket(1, NP_PONG, ""));
   PumpUntil([&] { a.Service(1); }, [] { return false; }, 150);
-  EXPECT_EQ(a.Received.size(), 18u);
+  EXPECT_EQ(a.Received.size(), 24u);
   EXPECT_TRUE(NP_SendPacket(NP_TO_ALL, NP_UPDATE_QUIT, "%d", 5));
-  EXPECT_TRUE(PumpUntil([&] { a.Service(1); }, [&] { return a.Received.size() == 21; }, 2000));
-  EXPECT_EQ(a.Seen(18), (Texts{"1: 17 00 00 04 00 00", "1: 33 00", "1: 14 05 00 00"}));
+  EXPECT_TRUE(PumpUntil([&] { a.Service(1); }, [&] { return a.Received.size() == 27; }, 2000));
+  EXPECT_EQ(a.Seen(24), (Texts{"1: 17 00 00 04 00 00", "1: 33 00", "1: 14 05 00 00"}));
+}
+
+TEST_F(ServerTest, PollTakesEventsWithinItsBudgetInOrder) {
+  TestHost &a = Join(18);
+  for (const char *name : {"0", "1", "2", "3", "4", "5", "6", "7", "8", "9"}) a.Send(Pkt(1, {}, name));
+  // A poll with no time to spare takes one event: the names come in order.
+  std::string names;
+  PumpUntil([&] { NET_ServerPollWithin(0), a.Service(); },
+            [&] {
+              const std::string &name = Game.Players[1].PlayerName;
+              if (!name.empty() && (names.empty() || names.back() != name[0])) names += name;
+              return name == "9";
+            },
+            3000);
+  EXPECT_EQ(names, "0123456789");
 }
