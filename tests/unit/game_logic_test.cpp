@@ -1,5 +1,5 @@
-// The game's rules without a window: screen sizes from the settings, the
-// roster, the set-part operations, face and idle motion, a frame's arithmetic.
+// The game's rules without a window: screen sizes, the roster, the set-part
+// operations, the face and idle motion, and a frame's arithmetic.
 #include <gtest/gtest.h>
 #include <allegro.h>
 #include <unistd.h>
@@ -12,19 +12,21 @@
 #include "app/scene.h"
 #include "netpeer/netpeer.h"
 
+using namespace std;
+
 namespace {
 
-typedef std::vector<float> Floats;
+typedef vector<float> Floats;
 
 // Values joined by spaces, to compare many at once.
-template <class... T> std::string Str(const T &...v) {
-  std::stringstream s;
+template <class... T> string Str(const T &...v) {
+  stringstream s;
   ((s << v << ' '), ...);
   return s.str().substr(0, s.str().size() - 1);
 }
 
 // Random numbers from a script; past its end every roll misses.
-std::vector<int> Script;
+vector<int> Script;
 size_t Drawn;
 int Scripted() {
   size_t i = Drawn++;
@@ -32,7 +34,7 @@ int Scripted() {
 }
 
 // What NP_SendPacket logs for a packet while no network is up.
-std::string Tried(int type) { return "Can not send packet, network is not initialised (packet type=" + std::to_string(type) + ")|"; }
+string Tried(int type) { return "Can not send packet, network is not initialised (packet type=" + to_string(type) + ")|"; }
 
 class Rules : public testing::Test {
 protected:
@@ -47,13 +49,13 @@ protected:
     Game = GameClass();
     Game.Characters.resize(3), Game.Eyes.resize(2), Game.Ears.resize(1), Game.Noses.resize(1), Game.Mouths.resize(1);
     Game.Eyebrows.resize(1), Game.Moustaches.resize(1), Game.Feet.resize(1), Game.Hats.resize(4), Game.Players.resize(4);
-    for (int i = 0; i < 4; i++) Game.Players[i].PlayerId = 10 + i, Game.Players[i].PlayerName = "P" + std::to_string(i);
+    for (int i = 0; i < 4; i++) Game.Players[i].PlayerId = 10 + i, Game.Players[i].PlayerName = "P" + to_string(i);
     Game.SetLocalPlayer(2);
   }
   // The console's lines since the last call.
-  std::string Said() {
-    std::string lines;
-    for (const std::string &line : Console.Lines()) lines += line + "|";
+  string Said() {
+    string lines;
+    for (const string &line : Console.Lines()) lines += line + "|";
     Console.Clear();
     return lines;
   }
@@ -61,13 +63,13 @@ protected:
 
 Floats Face(const PlayerClass &p) { return {p.EyesOri[0], p.EyesOri[1], p.EyesOriTarget[0], p.EyesOriTarget[1], p.EyebrowsY}; }
 
-std::vector<int> Numbers(const PlayerClass &p) {
+vector<int> Numbers(const PlayerClass &p) {
   return {p.CharacterNumber, p.EyesNumber,      p.EarsNumber, p.NoseNumber, p.MouthNumber,
           p.EyebrowsNumber,  p.MoustacheNumber, p.FeetNumber, p.HatNumber};
 }
-std::string Parts(const PlayerClass &p) {
-  std::string s;
-  for (int n : Numbers(p)) s += (s.empty() ? "" : " ") + std::to_string(n);
+string Parts(const PlayerClass &p) {
+  string s;
+  for (int n : Numbers(p)) s += (s.empty() ? "" : " ") + to_string(n);
   return s;
 }
 
@@ -77,18 +79,18 @@ TEST_F(Rules, ScreenSizesTheDisplayCantTakeBecomeTheDefault) {
   const char *rows[][3] = {{"", "", "800 600 0"},    {"1", "600", "1 600 0"},     {"800", "1", "800 1 0"},
                            {"0", "601", "800 600 2"}, {"801", "abc", "800 600 2"}};
   for (auto &row : rows) {
-    std::remove("RVK Error Log.txt");
-    std::ofstream("s.ini") << "[video]\nwidth = " << row[0] << "\nheight = " << row[1] << "\n";
+    remove("RVK Error Log.txt");
+    ofstream("s.ini") << "[video]\nwidth = " << row[0] << "\nheight = " << row[1] << "\n";
     ConfigClass config;
     config.ConfigFileName = "s.ini";
     LoadConfig(config);
-    std::stringstream in;
-    in << std::ifstream("RVK Error Log.txt").rdbuf();
-    std::string log = in.str();
+    stringstream in;
+    in << ifstream("RVK Error Log.txt").rdbuf();
+    string log = in.str();
     EXPECT_EQ(Str(config.ScreenWidth, config.ScreenHeight, std::count(log.begin(), log.end(), '>')), row[2]);
   }
   // The last option counts, even as the value of another; one at the end is ignored.
-  for (auto args : {std::vector<const char *>{"-config", "-config", "c", "x", "-config"}, {"-CoNfIg", "c"}}) {
+  for (auto args : {vector<const char *>{"-config", "-config", "c", "x", "-config"}, {"-CoNfIg", "c"}}) {
     args.insert(args.begin(), "tumblekin");
     EXPECT_EQ(ScanConfigOption((int)args.size(), args.data(), "T"), "c");
   }
@@ -96,7 +98,7 @@ TEST_F(Rules, ScreenSizesTheDisplayCantTakeBecomeTheDefault) {
 
 TEST_F(Rules, RosterKeepsTheLocalRecordThroughResizesAndDeletes) {
   auto names = [] {
-    std::string n;
+    string n;
     for (const PlayerClass &p : Game.Players) n += p.PlayerName + ".";
     return Str(n, Game.LocalPlayerNumber, Game.LocalPlayer->PlayerName);
   };
@@ -109,14 +111,9 @@ TEST_F(Rules, RosterKeepsTheLocalRecordThroughResizesAndDeletes) {
   EXPECT_EQ(names(), "P0.P1.P2.P3..... 2 P2");
   Game.SetPlayerCount(4, true);
   Game.SetLocalPlayerName("H");
-  // Deleting a record after the local one, one before it, and ones that can't go.
-  const std::pair<int, const char *> steps[] = {
-      {-1, "H.P1.P2.P3. 2 P2"}, {4, "H.P1.P2.P3. 2 P2"}, {2, "H.P1.P2.P3. 2 P2"}, {3, "H.P1.P2. 2 P2"}, {0, "P1.P2. 1 P2"}};
-  for (const auto &s : steps) {
-    Game.DeletePlayer(s.first);
-    EXPECT_EQ(names(), s.second);
-  }
-  EXPECT_EQ(Said(), "DeletePlayer: Not deleting local player 2|");
+  // Deleting ones that can't go, one after the local record and one before it.
+  for (int number : {-1, 4, 2, 3, 0}) Game.DeletePlayer(number);
+  EXPECT_EQ(Str(names(), Said()), "P1.P2. 1 P2 DeletePlayer: Not deleting local player 2|");
   for (int number : {-1, 2}) {
     Game.SetLocalPlayer(number);
     EXPECT_EQ(Game.LocalPlayer, nullptr);
@@ -125,24 +122,19 @@ TEST_F(Rules, RosterKeepsTheLocalRecordThroughResizesAndDeletes) {
   Game.SetLocalPlayerName("N");
 }
 
-TEST_F(Rules, ResetViewTitlesTheBodyPerMode) {
-  Game.Characters[0].Name = "Bo";
+TEST_F(Rules, ResetViewTakesTheBodysCamera) {
   Game.Characters[0].CameraPos[2] = -300;
   ResetPlayer(*Game.LocalPlayer);
-  for (int mode : {GAME_MODE_SINGLE, GAME_MODE_SERVER, GAME_MODE_CLIENT}) {
-    Game.Mode = mode;
-    Game.IdleYaw = Game.IdleYawTarget = Game.IdleCameraZTarget = Game.ViewAngles[0] = Game.ViewAngles[2] = 9;
-    Game.ResetView();
-    // The camera, the view angles, the idle yaw and both idle targets.
-    EXPECT_EQ(Str(Game.Toolbar.Title, Floats(Game.CameraPosition, Game.CameraPosition + 9) == Floats{0, 0, -300, 0, 0, 0, 0, 0, 0}),
-              Str(mode == 1 ? "Bo" : mode == 2 ? "Bo (server mode)" : "Bo (connected to server)", 1));
-  }
+  Game.IdleYaw = Game.IdleYawTarget = Game.IdleCameraZTarget = Game.ViewAngles[0] = Game.ViewAngles[2] = 9;
+  Game.ResetView();
+  // The camera, the view angles, the idle yaw and both idle targets.
+  EXPECT_EQ(Floats(Game.CameraPosition, Game.CameraPosition + 9), (Floats{0, 0, -300, 0, 0, 0, 0, 0, 0}));
   Game.LocalPlayer = nullptr;
   Game.ResetView();
 }
 
 SAMPLE Sample;
-std::string LastCue;
+string LastCue;
 int RecordCue(const SAMPLE *s, int volume, int pan, int frequency, int loop) {
   LastCue += Str(s == &Sample, volume, pan, frequency, loop);
   return 0;
@@ -179,7 +171,7 @@ TEST_F(Rules, PartsTakeNumbersOfTheirCatalogueAndPlayTheirCue) {
   for (int i = 1; i < 9; i++) set[i](P, -1, true);
   Game.Mode = GAME_MODE_CLIENT;
   SetCharacter(P, 1, true);
-  std::string tries;
+  string tries;
   for (int type : {23, 24, 25, 26, 27, 28, 29, 30, 2}) tries += Tried(type) + "Not playing sample - sound is disabled|";
   EXPECT_EQ(Said(), tries);
   Game.Mode = GAME_MODE_SINGLE;
@@ -190,44 +182,41 @@ TEST_F(Rules, PartsTakeNumbersOfTheirCatalogueAndPlayTheirCue) {
 
 TEST_F(Rules, FaceMotionDrawsInItsOrderAndStepsOnePerFrame) {
   // Each step: the mode, the eyebrows before, the rolls offered and taken,
-  // then the eyes (x, y), their targets (x, y) and the eyebrows.
-  const std::tuple<int, float, std::vector<int>, size_t, Floats> steps[] = {
-      // Hits: 0 % 150, x target 31 % 32 - 16; 200 % 200, y target 0 - 16; 400 % 400
-      // lifts the brows to 1.5, which fall by 0.25 at once.
-      {1, 0, {0, 31, 200, 0, 400}, 5, {1, -1, 15, -16, 1.25f}},
-      {1, 1.25f, {149, 199, 399}, 3, {2, -2, 15, -16, 1}},
-      {3, 1, {}, 0, {3, -3, 15, -16, 0.75f}},
+  // then the eyes (x, y), their targets (x, y) and the eyebrows. Hits: 150 %
+  // 150, x target 63 % 32 - 16; 200 % 200, y target 0 - 16; 400 % 400
+  // lifts the brows to 1.5, and they fall by 0.25 at once.
+  const tuple<int, float, vector<int>, size_t, Floats> steps[] = {
+      {GAME_MODE_SINGLE, 0, {150, 63, 200, 0, 400}, 5, {1, -1, 15, -16, 1.25f}},
+      {GAME_MODE_CLIENT, 1, {}, 0, {2, -2, 15, -16, 0.75f}},
       // At 0 only a server rolls for a second lift.
-      {1, 0.25f, {}, 3, {4, -4, 15, -16, 0}},
-      {2, 0.25f, {1, 1, 1, 3}, 4, {5, -5, 15, -16, 0}},
-      {2, 0.25f, {1, 1, 1, 0}, 4, {6, -6, 15, -16, 1}},
-      {2, 0, {1, 1, 400}, 3, {7, -7, 15, -16, 1.25f}},
-      {2, 1.25f, {0, 0, 0, 15}, 5, {6, -6, -16, -1, 1}},
+      {GAME_MODE_SINGLE, 0.25f, {}, 3, {3, -3, 15, -16, 0}},
+      {GAME_MODE_SERVER, 0.25f, {1, 1, 1, 4}, 4, {4, -4, 15, -16, 1}},
+      {GAME_MODE_SERVER, 1.25f, {0, 0, 0, 15}, 5, {3, -3, -16, -1, 1}},
   };
-  for (const auto &s : steps) {
-    Game.Mode = std::get<0>(s);
-    P.EyebrowsY = std::get<1>(s);
-    Script = std::get<2>(s), Drawn = 0;
+  for (const auto &[mode, brows, rolls, taken, face] : steps) {
+    Game.Mode = mode;
+    P.EyebrowsY = brows;
+    Script = rolls, Drawn = 0;
     UpdateFaceMotion(P, Scripted);
-    EXPECT_EQ(Str(Drawn, Face(P) == std::get<4>(s)), Str(std::get<3>(s), 1)) << &s - steps;
+    EXPECT_EQ(Str(Drawn, Face(P) == face), Str(taken, 1)) << mode << brows;
   }
   // A server tells each lift and new target.
-  EXPECT_EQ(Said(), Tried(33) + Tried(33) + Tried(31) + Tried(32));
+  EXPECT_EQ(Said(), Tried(33) + Tried(31) + Tried(32));
   // A target within a step is passed and swung around, one step a frame.
   Game.Mode = GAME_MODE_CLIENT;
   P.EyesOri[0] = 0;
   P.EyesOriTarget[0] = 0.5f;
-  std::string walk;
+  string walk;
   for (int i = 0; i < 3; i++) UpdateFaceMotion(P, Scripted), walk += Str(P.EyesOri[0]);
   EXPECT_EQ(walk, "101");
 }
 
 TEST(RulesFrame, RowCameraAndViewKeys) {
-  // 170 units apart, centred, record 0 at the highest x; the eye 100 further back for each.
-  const std::pair<int, const char *> rows[] = {{1, "0|0 50 -250 0 50 0 0 1 0"}, {2, "85 -85|0 50 -350 0 50 0 0 1 0"},
-                                               {8, "595 425 255 85 -85 -255 -425 -595|0 50 -950 0 50 0 0 1 0"}};
+  // 170 units apart, centred, record 0 at the highest x; the eye 100 back for each.
+  const pair<int, const char *> rows[] = {{1, "0|0 50 -250 0 50 0 0 1 0"}, {2, "85 -85|0 50 -350 0 50 0 0 1 0"},
+                                          {8, "595 425 255 85 -85 -255 -425 -595|0 50 -950 0 50 0 0 1 0"}};
   for (auto [count, row] : rows) {
-    std::stringstream s;
+    stringstream s;
     for (int i = 0; i < count; i++) s << (i ? " " : "") << RowPositionX(count, i);
     CameraClass c;
     for (float &f : c.Target) f = 7;
@@ -236,7 +225,7 @@ TEST(RulesFrame, RowCameraAndViewKeys) {
     EXPECT_EQ(s.str(), row);
   }
   // Left beats Right, Up beats Down, Z beats X, and 256 doesn't wrap.
-  const std::pair<ViewKeysClass, const char *> keys[] = {
+  const pair<ViewKeysClass, const char *> keys[] = {
       {{1, 1, 1, 1, 1, 1}, "253 257 257"}, {{0, 1, 0, 1, 0, 1}, "257 253 253"}, {{}, "255 255 255"}};
   for (const auto &k : keys) {
     float a[3] = {255, 255, 255};
@@ -249,27 +238,24 @@ TEST_F(Rules, IdleMotionTurnsAndDriftsTowardsItsTargets) {
   Game.Characters[0].CameraPos[2] = -400;
   ResetPlayer(*Game.LocalPlayer);
   Game.CameraPosition[2] = -400;
-  // Each step: the rolls offered and taken, then the yaw target, yaw, camera Z target and camera Z.
-  const std::tuple<std::vector<int>, size_t, Floats> steps[] = {
-      // Hits: 300 % 300, then 59 % 60 - 15; 200 % 100, then 63 + -400 - 32.
-      {{300, 59, 200, 63}, 4, {44, 0.25f, -369, -399.95f}},
-      {{}, 2, {44, 0.5f, -369, -399.9f}},
-      // The lowest targets: -15 degrees and 32 below the body's camera.
-      {{0, 60, 0, 64}, 4, {-15, 0.25f, -432, -399.95f}},
-      {{}, 2, {-15, 0, -432, -400}},
-  };
-  for (const auto &s : steps) {
-    Script = std::get<0>(s), Drawn = 0;
+  // Each step: the rolls, then the yaw target, yaw, camera Z target and camera
+  // Z. Hits: 300 % 300, then 119 % 60 - 15; 200 % 100, then 127 % 64 - 400 - 32;
+  // then the lowest targets, -15 degrees and 32 below the body's camera.
+  const pair<vector<int>, Floats> steps[] = {{{300, 119, 200, 127}, {44, 0.25f, -369, -399.95f}},
+                                             {{0, 60, 0, 64}, {-15, 0, -432, -400}}};
+  for (const auto &[rolls, after] : steps) {
+    Script = rolls, Drawn = 0;
     IdleMotionStep(Game, Scripted);
-    Floats after{Game.IdleYawTarget, Game.IdleYaw, Game.IdleCameraZTarget, Game.CameraPosition[2]};
-    for (int i = 0; i < 4; i++) EXPECT_NEAR(after[i], std::get<2>(s)[i], 0.001f) << Drawn;
-    EXPECT_EQ(Drawn, std::get<1>(s));
+    Floats now{Game.IdleYawTarget, Game.IdleYaw, Game.IdleCameraZTarget, Game.CameraPosition[2]};
+    for (int i = 0; i < 4; i++) EXPECT_NEAR(now[i], after[i], 0.001f) << i;
+    EXPECT_EQ(Drawn, 4u);
   }
-  // At their targets both stay.
+  // Two misses; at their targets both stay.
   Game.IdleYaw = -15;
   Game.CameraPosition[2] = -432;
+  Script = {}, Drawn = 0;
   IdleMotionStep(Game, Scripted);
-  EXPECT_EQ(Str(Game.IdleYaw, Game.CameraPosition[2]), "-15 -432");
+  EXPECT_EQ(Str(Drawn, Game.IdleYaw, Game.CameraPosition[2]), "2 -15 -432");
 }
 
 TEST_F(Rules, ReloadTakesNumbersBeyondTheCataloguesToTheirFirst) {
