@@ -2,14 +2,16 @@
 // the settings, loads the catalogues, runs the menu, and takes it all down.
 #include <allegro.h>
 #include <GL/gl.h>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include "app/config.h"
 #include "app/game.h"
 #include "app/mainmenu.h"
+#include "app/startup.h"
 #include "character/catalogue.h"
-#include "rvk/console.h"
 #include "rvk/core.h"
+#include "rvk/datafile.h"
 #include "rvk/messagebox.h"
 // Last: it brings in X11 macros (Status, CurrentTime) that clash with our field names.
 #include <alleggl.h>
@@ -24,7 +26,7 @@ int main(int argc, char **argv) {
   install_keyboard();
   set_keyboard_rate(900, 50);
 
-  DATAFILE *datafile = load_datafile(DATAFILE_NAME);
+  DATAFILE *datafile = RVK_LoadDatafile(DATAFILE_NAME);
   if (!datafile) {
     allegro_message("Unable to load %s", DATAFILE_NAME);
     return 1;
@@ -32,18 +34,19 @@ int main(int argc, char **argv) {
 
   install_mouse();
   install_allegro_gl();
+  // Allegro's own handlers end the program on the spot: ours let it close
+  // through its loops, so that the settings are written.
+  InstallCloseSignals();
 
   Config.ConfigFileName = ScanConfigOption(argc, argv, "Tumblekin.ini");
   LoadConfig(Config);
 
-  SoundOn = false;
   if (Config.SoundEnabled) {
-    if (install_sound(DIGI_AUTODETECT, MIDI_AUTODETECT, "") == 0) {
+    SoundOn = install_sound(DIGI_AUTODETECT, MIDI_AUTODETECT, "") == 0;
+    if (SoundOn)
       RVK_SetSampleVolume(GuiSampleVolume(Config.SoundVolume));
-      SoundOn = true;
-    } else {
+    else
       allegro_message("%s", allegro_error);
-    }
   }
 
   // Named before the window opens, so it never shows the executable's name,
@@ -52,19 +55,9 @@ int main(int argc, char **argv) {
   if (!RVK_Init(Config.ScreenWidth, Config.ScreenHeight, Config.ColourDepth, Config.Windowed, 45)) return 0;
   set_window_title("Tumblekin");
 
-  // The datafile's first object is the standard font of the whole GUI.
-  FONT *converted = nullptr;
-  if (datafile[0].type == DAT_FONT)
-    converted = allegro_gl_convert_allegro_font_ex((FONT *)datafile[0].dat, AGL_FONT_TYPE_TEXTURED, -1.0f, GL_ALPHA8);
-  // A datafile whose first object is no font (or a font AllegroGL can't
-  // convert) leaves the library's own standard font in place.
-  if (converted) {
-    RVK_FontStandard = converted;
-    ConsoleTop = SCREEN_H - ConsoleMaxLines * text_height(RVK_FontStandard) - 60;
-  }
-
+  UseGameFont(datafile);
   allegro_gl_use_mipmapping(TRUE);
-  glEnable(GL_CULL_FACE);
+  // Back faces are culled since RVK_Init; models are shaded smoothly.
   glShadeModel(GL_SMOOTH);
 
   if (LoadGame(Game)) {
@@ -74,7 +67,11 @@ int main(int argc, char **argv) {
     RVK_MessageBox("%s", Game.LoadError.c_str());
   }
 
-  SaveConfig(Config);
+  if (!SaveConfig(Config)) {
+    std::string text = "Unable to write the settings to " + Config.ConfigFileName;
+    RVK_LogError("%s", text.c_str());
+    std::fprintf(stderr, "%s\n", text.c_str());
+  }
   RVK_Shutdown();
   unload_datafile(datafile);
   if (SoundOn) remove_sound();

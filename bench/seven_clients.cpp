@@ -11,21 +11,19 @@
 #include <string>
 #include <vector>
 #include <unistd.h>
+#include "net/packets.h"
 #include "tests/netpeer/netpeer.h"
 
 namespace {
 
 const int CLIENTS = 7;
-// "Report Player Name", "Report Character" to "Report Hat", "Report Quit".
-const uint8_t REPORT_NAME = 1, REPORT_CHARACTER = 2, REPORT_HAT = 10, REPORT_QUIT = 0;
-// "Set Player Number": the first packet of a join, so the server has taken
-// the client in.
-const uint8_t SET_PLAYER_NUMBER = 40;
 const int SERVICE_PAUSE_US = 5000;
 
+// "Set Player Number" is the first packet of a join: the server has taken
+// the client in.
 bool Joined(const TestHost &h) {
-  for (const ReceivedPacket &p : h.Received)
-    if (!p.Data.empty() && p.Data[0] == SET_PLAYER_NUMBER) return true;
+  for (const TestHost::Packet &p : h.Received)
+    if (!p.Data.empty() && p.Data[0] == NP_SET_PLAYER_NUMBER) return true;
   return false;
 }
 
@@ -48,8 +46,8 @@ int main(int argc, char **argv) {
       std::fprintf(stderr, "seven_clients: client %d did not join the server on port %u\n", k, port);
       return 1;
     }
-    c.Send(TextPkt(REPORT_NAME, {}, "Bench" + std::to_string(k)));
-    for (uint8_t type = REPORT_CHARACTER; type <= REPORT_HAT; type++) c.Send(Shorts(type, {k}));
+    c.Send(Pkt(NP_REPORT_PLAYER_NAME, {}, ("Bench" + std::to_string(k)).c_str()));
+    for (int type = NP_REPORT_CHARACTER; type <= NP_REPORT_HAT; type++) c.Send(Pkt((uint8_t)type, {k}));
   }
   std::printf("%d clients joined and dressed\n", CLIENTS);
   std::fflush(stdout);
@@ -62,7 +60,7 @@ int main(int argc, char **argv) {
     usleep(SERVICE_PAUSE_US);
   }
   for (auto &c : clients) {
-    c->Send(End(Pkt(REPORT_QUIT)));
+    c->Send(Pkt(NP_REPORT_QUIT));
     c->Service(10);
   }
   clients.clear();

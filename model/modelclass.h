@@ -52,6 +52,9 @@ public:
   // Number of lists a frame can draw, from ListBase on: two per animation
   // frame, or the one of a model without joints (0 when there are none).
   int ListCount() const;
+  // Calls the display list of CurrentFrame, if it has one: the one rule by
+  // which Draw and the character drawing pick a model's frame.
+  void CallFrameList() const;
 
   // The whole model as Render issues it in the current pose, with the groups
   // that have a shared list drawn from it; those lists are numbered from
@@ -92,6 +95,11 @@ struct ModelBox {
 // Moves the model so its bounding box is centred on the origin: every vertex
 // and every root joint (the others move with their parents). No GL involved.
 ModelBox CentreModel(msModel &model);
+
+// The display list that shows a frame, counted from the first: lists 2k and
+// 2k + 1 both hold frame k. -1 when none of the listCount lists does (a model
+// without lists, or a frame that a damaged file made unusable).
+int FrameList(float frame, int listCount);
 
 // Milliseconds of a wall clock that measures elapsed time.
 int32_t ModelClock();

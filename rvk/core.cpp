@@ -5,11 +5,13 @@
 #include <alleggl.h>
 #include <GL/gl.h>
 #include <GL/glu.h>
+#include <csignal>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include "rvk/console.h"
+#include "rvk/datafile.h"
 #include "rvk/draw.h"
 #include "rvk/textfield.h"
 #include "rvk/texture.h"
@@ -31,6 +33,7 @@ static int PointerVert = 0;
 static int PointerHoriz = 0;
 static int PointerMove = 0;
 static TimerClass FrameTimer;
+static volatile std::sig_atomic_t CloseRequest = 0;
 static std::vector<TooltipRecord> Tooltips;
 static unsigned char SampleVolume = 128;
 // The library has no call that turns its own sound on: the game plays its
@@ -77,7 +80,7 @@ void RVK_SetupPalette() {
 // With `type` other than DAT_END an object of another type counts as absent
 // and is released here. The DATAFILE record itself is always released here.
 static void *ReadDatafileObject(const char *name, int type) {
-  if (name == nullptr) return nullptr;
+  if (name == nullptr || !RVK_DatafileIsSound(DatafileName)) return nullptr;
   DATAFILE *object = load_datafile_object(DatafileName, name);
   if (object == nullptr) return nullptr;
   if (type != DAT_END && object->type != type) {
@@ -104,7 +107,7 @@ static void LoadIcons() {
     RVK_AddIcon(blank, "(no texture)");
     destroy_bitmap(blank);
   }
-  DATAFILE *data = load_datafile(DatafileName);
+  DATAFILE *data = RVK_LoadDatafile(DatafileName);
   if (data != nullptr) {
     for (int i = 0; data[i].type != DAT_END; i++) {
       if (data[i].type == DAT_BITMAP)
@@ -380,6 +383,16 @@ void RVK_SetSampleVolume(int volume) {
 
 void RVK_PlaySample(SAMPLE *sample) {
   if (SoundOn && sample != nullptr) play_sample(sample, SampleVolume, 127, 1000, 0);
+}
+
+// ---- Close request ----
+
+void RVK_RequestClose(bool requested) {
+  CloseRequest = requested ? 1 : 0;
+}
+
+bool RVK_CloseRequested() {
+  return CloseRequest != 0;
 }
 
 // ---- Error log ----

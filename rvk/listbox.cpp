@@ -18,39 +18,50 @@ std::vector<std::pair<int, int>> RVK_SplitLines(const char *text, FONT *font, in
   std::vector<std::pair<int, int>> rows;
   if (text == nullptr) text = "";
   int len = (int)std::strlen(text);
-  int start = 0, end = 1;
+  // The row runs from start; width is that of its characters before measured.
+  int start, end, measured, width;
+  auto startRow = [&](int at) {
+    start = at;
+    end = at + 1;
+    measured = at;
+    width = 0;
+  };
+  startRow(0);
   if (len > 2) {
     while (end < len - 1) {
       if (text[start] == '\n') {
         rows.emplace_back(start, end - 1);
-        start += 1;
-        end = start + 1;
-      } else if (text[end] == '\n') {
-        rows.emplace_back(start, end - 1);
-        start = end + 1;
-        end = start + 1;
-      } else if (font != nullptr &&
-                 text_length(font, std::string(text + start, (size_t)(end - start + 1)).c_str()) >= maxWidth) {
-        // Break after the last blank of the row; a word with no blank is
-        // cut where it reached the width.
-        int blank = -1;
-        for (int i = end; i > start; i--) {
-          if (text[i] == ' ') {
-            blank = i;
-            break;
-          }
-        }
-        if (blank != -1) {
-          rows.emplace_back(start, blank);
-          start = blank + 1;
-        } else {
-          rows.emplace_back(start, end);
-          start = end + 1;
-        }
-        end = start + 1;
-      } else {
-        end += 1;
+        startRow(start + 1);
+        continue;
       }
+      if (text[end] == '\n') {
+        rows.emplace_back(start, end - 1);
+        startRow(end + 1);
+        continue;
+      }
+      // A row's width is the sum of its characters' widths, added up as the
+      // row grows: measuring the row anew at each character would take time
+      // in the square of its length. Rows are cut between bytes, so each
+      // byte is measured as a character.
+      for (; measured <= end && font != nullptr; measured++) {
+        char one[2] = {text[measured], 0};
+        width += text_length(font, one);
+      }
+      if (font == nullptr || width < maxWidth) {
+        end += 1;
+        continue;
+      }
+      // Break after the last blank of the row; a word with no blank is cut
+      // where it reached the width.
+      int cut = end;
+      for (int i = end; i > start; i--) {
+        if (text[i] == ' ') {
+          cut = i;
+          break;
+        }
+      }
+      rows.emplace_back(start, cut);
+      startRow(cut + 1);
     }
   }
   rows.emplace_back(start, len - 1);
@@ -95,33 +106,42 @@ void ListBoxClass::Create(int x, int y, int width, int rowsShown) {
   UpdateSliders();
 }
 
-void ListBoxClass::AddItem(const char *text, const char *iconName, const char *tag) {
+// A row added without fitting the bars to it.
+static void AppendItem(ListBoxClass &list, const char *text, const char *iconName, const char *tag) {
   ListBoxItemClass item;
   item.Text = text != nullptr ? text : "";
   if (!item.Text.empty() && item.Text.back() == '\n') item.Text.pop_back();
   item.Icon = iconName != nullptr && iconName[0] != 0 ? RVK_GetIcon(iconName) : RVK_GetDefaultIcon();
   item.Tag = tag != nullptr ? tag : "";
   item.ColumnCount = 0;
-  Items.push_back(item);
+  list.Items.push_back(item);
+}
+
+void ListBoxClass::AddItem(const char *text, const char *iconName, const char *tag) {
+  AppendItem(*this, text, iconName, tag);
   UpdateSliders();
 }
 
 void ListBoxClass::AddText(const char *text) {
   if (text == nullptr) text = "";
   std::vector<std::pair<int, int>> rows = RVK_SplitLines(text, RVK_FontStandard, Width - TextHeight() - 1);
+  Items.reserve(Items.size() + rows.size());
   for (const std::pair<int, int> &row : rows) {
     if (row.first == row.second) {
-      AddItem(" ", nullptr, nullptr);
+      AppendItem(*this, " ", nullptr, nullptr);
       continue;
     }
     const char *part = RVK_Substring(text, row.first, row.second);
     if (part != nullptr) {
-      AddItem(part, nullptr, nullptr);
+      AppendItem(*this, part, nullptr, nullptr);
     } else {
       // A row too long for the shared buffer is copied whole, not lost.
-      AddItem(std::string(text + row.first, (size_t)(row.second - row.first + 1)).c_str(), nullptr, nullptr);
+      AppendItem(*this, std::string(text + row.first, (size_t)(row.second - row.first + 1)).c_str(), nullptr, nullptr);
     }
   }
+  // The bars are fitted once to all the rows: fitting them after each row
+  // would measure every row again each time.
+  UpdateSliders();
 }
 
 bool ListBoxClass::LoadFromTextFile(const char *path) {

@@ -62,6 +62,7 @@ void MenuClass::Create(const char *title, const char *footer, const char *topRig
   TextX = (h > 32 ? h : 32) + 25;
   PulseTimer.Reset();
   Entries.clear();
+  SelectSample = MoveSample = BackSample = nullptr;
 }
 
 void MenuClass::AddEntry(const char *name, const char *iconName, const char *help) {

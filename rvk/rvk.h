@@ -1,6 +1,7 @@
 // The whole RVK GUI library in one include.
 #pragma once
 #include "rvk/core.h"
+#include "rvk/datafile.h"
 #include "rvk/timer.h"
 #include "rvk/texture.h"
 #include "rvk/console.h"

@@ -4,6 +4,7 @@
 #include <alleggl.h>
 #include <GL/gl.h>
 #include <vector>
+#include "rvk/filecheck.h"
 
 // ---- TextureClass ----
 
@@ -35,7 +36,7 @@ bool TextureClass::Load(const char *file) {
 
 bool TextureClass::Load(const char *file, bool keepBitmap) {
   if (file == nullptr) file = "";
-  BITMAP *bitmap = load_bitmap(RVK_NativePath(file).c_str(), nullptr);
+  BITMAP *bitmap = RVK_LoadBitmap(RVK_NativePath(file).c_str());
   if (bitmap == nullptr) {
     LastError = std::string("Unable to load bitmap from ") + file;
     return false;

@@ -3,10 +3,14 @@
 #include <allegro.h>
 #include <gtest/gtest.h>
 #include <GL/gl.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <algorithm>
+#include <filesystem>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 #include <initializer_list>
 #include <string>
 #include <thread>
@@ -219,4 +223,35 @@ TEST(Core, RestartShutdownAndFrameTrace) {
   EXPECT_EQ(lines, 6);
   EXPECT_GE(previous - started, 6 * 22222);
   std::remove(trace);
+}
+
+// The game run in a folder of its own with one of its datafiles cut to half,
+// and an xmessage that answers at once: Allegro prints its message too.
+TEST(Core, CutDatafilesTakeTheOrdinaryFailurePaths) {
+  namespace fs = std::filesystem;
+  const struct {
+    const char *Cut, *Message;
+    int Status;
+  } cases[] = {{"Tumblekin.dat", "Unable to load Tumblekin.dat\n", 1},
+               {"RVK.dat", "Unable to read standard font from datafile\n", 0}};
+  for (const auto &c : cases) {
+    fs::path dir = fs::temp_directory_path() / ("rvk_core_test_" + std::to_string(getpid()));
+    fs::remove_all(dir);
+    fs::create_directories(dir / "bin");
+    fs::create_symlink("/bin/true", dir / "bin/xmessage");
+    for (const char *name : {"Tumblekin.dat", "RVK.dat"}) fs::copy_file(name, dir / name);
+    fs::resize_file(dir / c.Cut, fs::file_size(dir / c.Cut) / 2);
+    const std::string settings = "[network]\nRemoteServerAddress = 127.0.0.1\n";
+    std::ofstream(dir / "Tumblekin.ini") << settings;
+    std::string run = "cd " + dir.string() + " && PATH=bin:$PATH timeout -s KILL 60 " + fs::absolute("tumblekin").string() + " 2>/dev/null";
+    FILE *game = popen(run.c_str(), "r");
+    std::string printed;
+    for (int ch; (ch = std::fgetc(game)) != EOF;) printed += (char)ch;
+    int status = pclose(game);
+    EXPECT_EQ(std::make_pair(WEXITSTATUS(status), printed), std::make_pair(c.Status, std::string(c.Message))) << c.Cut;
+    std::stringstream after;
+    after << std::ifstream(dir / "Tumblekin.ini").rdbuf();
+    EXPECT_EQ(after.str(), settings);
+    fs::remove_all(dir);
+  }
 }

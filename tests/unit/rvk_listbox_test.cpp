@@ -2,6 +2,8 @@
 // scrolling and the scroll bars of a list, measured with Allegro's 8x8 font.
 #include <gtest/gtest.h>
 #include <allegro.h>
+#include <allegro/internal/aintern.h>
+#include <cstring>
 #include <cstdio>
 #include <fstream>
 #include <sstream>
@@ -117,4 +119,27 @@ TEST_F(ListBoxTest, BarsFollowTheRows) {
   list.Clear();
   EXPECT_FALSE(list.HasVBar);
   EXPECT_EQ(list.GetCount(), 0);
+}
+
+// Characters measured through the standard font.
+static size_t Measured = 0;
+static int CountingLength(const FONT *f, const char *text) {
+  Measured += std::strlen(text);
+  return font->vtable->text_length(f, text);
+}
+
+TEST_F(ListBoxTest, AddingTextMeasuresEachCharacterAFewTimesOnly) {
+  FONT_VTABLE table = *font->vtable;
+  table.text_length = CountingLength;
+  FONT counting = *font;
+  counting.vtable = &table;
+  RVK_FontStandard = &counting;
+  std::string text;
+  for (int i = 0; i < 2000; i++) text += "A readme line that the list wraps once at its width\n";
+  ListBoxClass list;
+  list.Create(0, 0, 200, 10);
+  list.AddText(text.c_str());
+  RVK_FontStandard = font;
+  EXPECT_EQ(list.GetCount(), 6000);
+  EXPECT_LE(Measured, 3 * text.size());
 }

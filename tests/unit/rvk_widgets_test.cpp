@@ -109,6 +109,12 @@ TEST(Menu, RowRectanglesGrowWithATallFontAndThePulseTurns) {
   EXPECT_EQ(row(2, 10, 13, 320, 57), std::make_tuple(100, 15, 100, 377, 140));
   EXPECT_EQ(row(3, 32, 40, 400, 65), std::make_tuple(186, 15, 186, 465, 234));
 
+  // Create leaves no sample of an earlier life behind.
+  MenuClass menu;
+  menu.SelectSample = menu.MoveSample = menu.BackSample = (SAMPLE *)&menu;
+  menu.Create("", "", "");
+  EXPECT_TRUE(!menu.SelectSample && !menu.MoveSample && !menu.BackSample);
+
   MenuPulseClass p;
   std::vector<int> sizes, lights;
   for (int i = 0; i < 45; i++) {

@@ -1,0 +1,459 @@
+// The game in a window on catalogues of its own: loading, the scene, a
+// character, the menu and games by real keys and clicks, and the program run.
+#include <gtest/gtest.h>
+#include <allegro.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <cmath>
+#include <csignal>
+#include <fstream>
+#include <functional>
+#include <sstream>
+#include <thread>
+#include "app/config.h"
+#include "app/mainmenu.h"
+#include "app/parts.h"
+#include "app/scene.h"
+#include "app/startup.h"
+#include "character/drawplayer.h"
+#include "gl/rvk_xinput.h"
+#include "netpeer/netpeer.h"
+#include "rvk/core.h"
+#include "support/gl_env.h"
+#include "tools/ms3dwriter/ms3dwriter.h"
+
+using namespace std;
+
+namespace {
+
+typedef vector<float> Floats;
+
+string Text(const string &path) {
+  stringstream s;
+  s << ifstream(path).rdbuf();
+  return s.str();
+}
+
+// Each frame the library waits for adds a line to this trace.
+const string Trace = "/tmp/tumblekin-frames-" + to_string(getpid());
+const int TraceNamed = setenv("TUMBLEKIN_FRAME_TRACE", Trace.c_str(), 1);
+
+void Frames(int n) {
+  auto lines = [] {
+    string t = Text(Trace);
+    return std::count(t.begin(), t.end(), '\n');
+  };
+  long until = lines() + n;
+  EXPECT_TRUE(TkWaitFor([&] { return lines() >= until; }, 20000));
+}
+// Until no frame comes: the loop waits for a key or button to come up.
+void Stalled() {
+  TkWaitFor([] {
+    string before = Text(Trace);
+    rest(200);
+    return Text(Trace) == before;
+  });
+}
+void Type(const char *keys) {
+  system((string("xdotool key ") + keys).c_str());
+  Frames(4);
+}
+void Press(const char *name, int scancode, bool waits = false) {
+  TkKey(name, scancode, true);
+  waits ? Stalled() : Frames(2);
+  TkKey(name, scancode, false);
+  Frames(3);
+}
+void Click(int x, int y) {
+  TkMovePointer(x, y);
+  Frames(2);
+  TkMouse(true);
+  Stalled();
+  TkMouse(false);
+  Frames(3);
+}
+
+// A square in the XY plane facing a camera at negative Z, or away from it.
+void WriteSquare(const string &path, float size, bool facing) {
+  MS3DWriter w;
+  w.Vertices.resize(4);
+  w.Vertices[1].Position[0] = w.Vertices[2].Position[0] = w.Vertices[2].Position[1] = w.Vertices[3].Position[1] = size;
+  w.Triangles.resize(2);
+  for (int k = 0; k < 3; k++) w.Triangles[0].VertexIndices[facing ? 2 - k : k] = k, w.Triangles[1].VertexIndices[facing ? 2 - k : k] = k ? k + 1 : 0;
+  w.Groups.resize(1);
+  w.Groups[0].TriangleIndices = {0, 1};
+  w.Save(path.c_str());
+}
+
+void WriteTga(const string &path, int grey) {
+  BITMAP *bmp = create_bitmap_ex(32, 16, 16);
+  clear_to_color(bmp, makecol32(grey, 2 * grey, 3 * grey));
+  save_bitmap(path.c_str(), bmp, nullptr);
+  destroy_bitmap(bmp);
+}
+
+const string DIRS[9] = {"characters", "eyes", "ears", "noses", "mouths", "eyebrows", "moustaches", "feet", "hats"};
+
+// Entry n of a catalogue: the lines given, which win over its own after them.
+string Entry(int cat, int n, const string &more = "", const string &model = "a.ms3d") {
+  const string section[9] = {"character", "eyes", "ears", "nose", "mouth", "eyebrows", "moustache", "feet", "hat"};
+  return "[" + section[cat] + to_string(n) + "]\n" + more + "LeftModel = " + model + "\nRightModel = " + model +
+         "\nmodel = " + model + "\nthumb = a.tga\n";
+}
+void Catalogue(int cat, int count, const string &entries) {
+  ofstream("data/" + DIRS[cat] + ".ini") << "[info]\ncount = " << count << "\n" << entries;
+}
+// The pictures and one entry in each catalogue; the hat small and facing away.
+void Mend() {
+  WriteTga("data/menuback.tga", 10);
+  WriteTga("data/none.tga", 20);
+  WriteTga("data/connecting.tga", 30);
+  for (int i = 0; i < 9; i++) Catalogue(i, 1, Entry(i, 0, "", i == 8 ? "h.ms3d" : "a.ms3d"));
+}
+
+// GL textures and display lists in use.
+pair<int, int> LiveNames() {
+  GLuint texture, list = glGenLists(1);
+  glGenTextures(1, &texture);
+  pair<int, int> live;
+  for (GLuint i = 1; i < texture || i < list; i++) live.first += glIsTexture(i), live.second += glIsList(i);
+  glDeleteTextures(1, &texture);
+  glDeleteLists(list, 1);
+  return live;
+}
+
+class Screen : public testing::Test {
+protected:
+  static void SetUpTestSuite() {
+    char dir[] = "/tmp/tumblekin-screen-XXXXXX";
+    ASSERT_EQ(chdir(mkdtemp(dir)), 0);
+    mkdir("data", 0755);
+    for (string file : {"Tumblekin.dat", "RVK.dat", "Tumblekin.txt", "tumblekin", "data/sounds"})
+      symlink((TK_GAME_DIR "/" + file).c_str(), file.c_str());
+    for (const string &d : DIRS) {
+      mkdir(("data/" + d).c_str(), 0755);
+      WriteSquare("data/" + d + "/a.ms3d", 40, true);
+      WriteTga("data/" + d + "/a.tga", 40);
+    }
+    WriteSquare("data/hats/h.ms3d", 10, false);
+    ConsoleLogFile = fopen("console.log", "w");
+    ConsoleLogOn = true;
+  }
+  void SetUp() override { Mend(); }
+  void TearDown() override { UnloadGame(Game); }
+  static bool Said(const string &line) { return Text("console.log").find(": " + line + "\n") != string::npos; }
+};
+
+TEST_F(Screen, CataloguesTakeTheirKeysAndStopAtTheirFirstBrokenEntry) {
+  Catalogue(0, 2, Entry(0, 0, "scale = 2.5\nCameraX = 1\nCameraY = 2\nHatZ = 3\n") + Entry(0, 1));
+  // eyes1 has no left model, so eyes2 is never read; the count takes one nose.
+  Catalogue(1, 3, Entry(1, 0) + "[eyes1]\nRightModel = a.ms3d\n" + Entry(1, 2));
+  Catalogue(3, 1, Entry(3, 0) + Entry(3, 1));
+  Catalogue(8, 1, Entry(8, 0, "backfaces = 2\nOffsetX = 1.5\nOffsetZ = -2\nname = Cap\n"));
+  SoundOn = true;
+  ASSERT_TRUE(LoadGame(Game));
+  const CharacterEntry &b = Game.Characters[0], &plain = Game.Characters[1];
+  const HatEntry &h = Game.Hats[0];
+  string rows;
+  for (int i = 0; i < 9; i++) rows += to_string(Game.Bar(i).Rows.size());
+  EXPECT_EQ(Floats(b.CameraPos, b.CameraPos + 3), (Floats{1, 2, -500}));
+  EXPECT_EQ(Floats(h.Offset, h.Offset + 3), (Floats{1.5f, 0, -2}));
+  EXPECT_EQ(make_tuple(b.Hat[2], b.Scale, plain.Name, plain.Scale, Game.Eyes[0].Name, h.Name, h.BackFaces, rows),
+            make_tuple(3.0f, 2.5f, string("(no name)"), 1.0f, string(""), string("Cap"), true, string("222222222")));
+  EXPECT_EQ(make_tuple(Game.LoadError, Said("Loaded 1 eyes"), Said("Loaded 1 noses")), make_tuple(string("Unable to load model from data/eyes/"), true, true));
+  // The bars stand below the toolbar to the foot of the screen.
+  EXPECT_EQ(make_tuple(Game.CharacterBar.BackgroundColour, Game.HatBar.BackgroundColour, Game.HatBar.ThumbHeight,
+                       Game.CharacterBar.ThumbHeight, Game.HatBar.Y - text_height(RVK_FontStandard), Game.HatBar.Y + Game.HatBar.Height),
+            make_tuple(makecol(151, 151, 151), makecol(51, 127, 178), 96, 128, 48, 599));
+  ASSERT_TRUE(Game.CharacterSample);
+  UnloadGame(Game);
+  SoundOn = false;
+  EXPECT_FALSE(Game.CharacterSample);
+}
+
+TEST_F(Screen, ALoadReleasesWhatItsFailureSaysAndReloadsLeaveNothing) {
+  const auto live = LiveNames();
+  const int icons = RVK_GetIconCount();
+  // Each row rewrites a catalogue (a negative one removes its file, -1 a
+  // picture), then tells the text, what stays (pictures, bodies, eyes,
+  // noses, all) and the answer. A thumbnail or right foot that fails is none.
+  const tuple<int, int, string, string, string> rows[] = {
+      {1, 1, Entry(1, 0, "thumb = x.tga\n"), "", "11111111"},
+      {7, 2, Entry(7, 0) + "[feet1]\nLeftModel = a.ms3d\nRightModel = no.ms3d\n", "Unable to load model from data/feet/no.ms3d", "11111111"},
+      {0, 2, "[character0]\n" + Entry(0, 1), "No model specified for character0", "11100000"},
+      {0, 1, Entry(0, 0, "", "no.ms3d"), "Unable to load model from data/characters/no.ms3d", "11100000"},
+      {3, 0, "", "No noses found in noses.ini", "11111000"},
+      {4, 1, Entry(4, 0, "", "no.ms3d"), "Unable to load model from data/mouths/no.ms3d", "00000000"},
+      {-8, 1, "", "No hats found in hats.ini", "11111100"},
+      {-1, 0, "connecting", "Unable to load bitmap from data/connecting.tga", "00000000"},
+      {-1, 0, "none", "Unable to load bitmap from data/none.tga", "00000000"},
+      {-1, 0, "menuback", "Unable to load bitmap from data/menuback.tga", "00000000"},
+  };
+  for (const auto &[cat, count, text, error, kept] : rows) {
+    cat >= 0 ? Catalogue(cat, count, text) : (void)unlink(("data/" + (cat < -1 ? "hats.ini" : text + ".tga")).c_str());
+    Game.LoadError.clear();
+    bool loaded = LoadGame(Game);
+    string now;
+    for (bool b : {Game.MenuBackTexture.Loaded, Game.NoneTexture.Loaded, Game.ConnectingTexture.Loaded,
+                   !Game.Characters.empty(), !Game.Eyes.empty(), !Game.Noses.empty(), CataloguesLoaded(Game), loaded})
+      now += b ? "1" : "0";
+    EXPECT_EQ(Game.LoadError + " " + now, error + " " + kept);
+    UnloadGame(Game);
+    EXPECT_EQ(make_tuple(LiveNames(), RVK_GetIconCount()), make_tuple(live, icons));
+    Mend();
+  }
+  // The failed thumbnail stood in with the icon table's own default icon.
+  EXPECT_TRUE(glIsTexture(RVK_GetDefaultIcon().TextureName));
+}
+
+TEST_F(Screen, LightsTurnsBackgroundAndTheGameFont) {
+  CameraClass camera;
+  camera.Eye[2] = -500;
+  ApplyCamera(camera);
+  float m[16];
+  glGetFloatv(GL_PROJECTION_MATRIX, m);
+  for (float &v : m) v = std::round(v * 1000) / 1000;
+  // 48 degrees of height over 800 by 600, near 1 and far 4000.
+  EXPECT_EQ(Floats(m, m + 16), (Floats{1.685f, 0, 0, 0, 0, 2.246f, 0, 0, 0, 0, -1.001f, -1, 0, 0, -2.001f, 0}));
+  // Each light as the camera alone places it (turned half about Y), and on.
+  SetupLights();
+  Floats lights;
+  for (GLenum light : {GL_LIGHT0, GL_LIGHT1}) {
+    for (GLenum what : {GL_POSITION, GL_AMBIENT, GL_DIFFUSE, GL_SPECULAR}) {
+      float v[4];
+      glGetLightfv(light, what, v);
+      lights.insert(lights.end(), v, v + 4);
+    }
+    lights.push_back(glIsEnabled(light) && glIsEnabled(GL_LIGHTING));
+  }
+  EXPECT_EQ(lights, (Floats{1, .5f, 1, 0, .5f, .5f, .5f, 1, 1, 1, 1, 1, .5f, .5f, .5f, 1, 1,
+                            -1, .5f, -1, 0, .5f, .5f, .5f, 1, 1, 1, 1, 1, .5f, .5f, .5f, 1, 1}));
+  DisableLights();
+  EXPECT_FALSE(glIsEnabled(GL_LIGHT0) || glIsEnabled(GL_LIGHT1) || glIsEnabled(GL_LIGHTING));
+  // Where the X and Y axes go in a quarter turn by the idle yaw or a view angle.
+  const pair<Floats, Floats> turns[] = {{{90, 0, 0, 0}, {0, 0, -1, 0, 1, 0}}, {{0, 64, 0, 0}, {1, 0, 0, 0, 0, 1}},
+                                        {{0, 0, 64, 0}, {0, 0, -1, 0, 1, 0}}, {{0, 0, 0, 64}, {0, 1, 0, -1, 0, 0}}};
+  for (const auto &t : turns) {
+    glLoadIdentity();
+    RotateScene(t.first[0], &t.first[1]);
+    glGetFloatv(GL_MODELVIEW_MATRIX, m);
+    for (int i = 0; i < 6; i++) EXPECT_NEAR(m[i / 3 * 4 + i % 3], t.second[i], 1e-6) << t.first[0] << i;
+  }
+  // The menu's picture over the whole screen, tinted blue at half for dialogs.
+  ASSERT_TRUE(LoadGame(Game));
+  for (const auto &b : {make_pair(false, TkPixel{10, 20, 30}), make_pair(true, TkPixel{5, 10, 135})}) {
+    RVK_BeginFrame();
+    Game.DrawMenuBackground(b.first);
+    EXPECT_TRUE(TkReadPixel(0, 0) == b.second && TkReadPixel(799, 599) == b.second) << b.first;
+    RVK_End2D(0);
+  }
+  // The game's font replaces the library's, whose lists go; the console moves.
+  DATAFILE data[2] = {{RVK_GetDatafileObject("_font_standard"), DAT_FONT, 0, nullptr}, {nullptr, DAT_END, 0, nullptr}};
+  const int lists = LiveNames().second;
+  FONT *before = RVK_FontStandard;
+  ConsoleTop = 0;
+  UseGameFont(data);
+  EXPECT_EQ(make_tuple(RVK_FontStandard != before, LiveNames().second, ConsoleTop),
+            make_tuple(true, lists, 540 - 10 * text_height(RVK_FontStandard)));
+  data[0].type = DAT_BITMAP;
+  UseGameFont(data);
+  destroy_font((FONT *)data[0].dat);
+}
+
+// At 500 units a 48-degree view shows 300 / (500 tan 24) = 1.348 pixels a unit.
+TEST_F(Screen, DrawPlayerPutsTheHatOnItsAnchorAndScalesAll) {
+  ASSERT_TRUE(LoadGame(Game));
+  Game.Characters[0].Hat[1] = 60;
+  // Each step: the mode, the hat's back faces, offset up and number, the
+  // body's scale, then sky or drawn at x 400 on the rows given.
+  const tuple<int, bool, float, int, float, vector<int>, string> steps[] = {
+      // The body, 40 units: y 273..327; the hat faces away and is culled.
+      {GAME_MODE_SINGLE, false, 0, 0, 1, {300, 250, 219}, "#.."},
+      // Its inside shows: 60 units up, y 212..226; the offset adds 20.
+      {GAME_MODE_SINGLE, true, 0, 0, 1, {219, 205}, "#."},
+      {GAME_MODE_SINGLE, true, 20, 0, 1, {219, 192, 300}, ".##"},
+      {GAME_MODE_SINGLE, true, 20, -1, 1, {192, 300}, ".#"},
+      // Scale 2: body 80 units, hat anchor at 120.
+      {GAME_MODE_SINGLE, true, 0, 0, 2, {250, 138, 219}, "##."},
+      // In a network game the body stands on y: its centre 20 units up.
+      {GAME_MODE_SERVER, false, 0, -1, 1, {260, 318}, "#."},
+  };
+  for (const auto &[mode, backFaces, offset, hat, scale, ys, column] : steps) {
+    Game.Mode = mode;
+    Game.Hats[0].BackFaces = backFaces;
+    Game.Hats[0].Offset[1] = offset;
+    Game.Characters[0].Scale = scale;
+    PlayerClass player{0, &Game.Characters[0], "", 0, -1, -1, -1, -1, -1, -1, -1, hat};
+    // The colour is taken at the next clear.
+    RVK_SetClearColour(makecol(161, 214, 255));
+    RVK_SetClearColour(makecol(161, 214, 255));
+    CameraClass camera;
+    camera.Eye[2] = -500;
+    ApplyCamera(camera);
+    float before[16], after[16];
+    glGetFloatv(GL_MODELVIEW_MATRIX, before);
+    DrawPlayer(player, 0, 0, 0);
+    glGetFloatv(GL_MODELVIEW_MATRIX, after);
+    string drawn;
+    for (int y : ys) drawn += TkReadPixel(400, y) == TkPixel{161, 214, 255} ? '.' : '#';
+    // Culling back on, no normalising, the matrix as it was.
+    EXPECT_EQ(make_tuple(drawn, glIsEnabled(GL_CULL_FACE) && !glIsEnabled(GL_NORMALIZE), Floats(after, after + 16)),
+              make_tuple(column, true, Floats(before, before + 16)));
+  }
+  Game.Mode = GAME_MODE_NONE;
+}
+
+// A server's frame with two players, the last before a request to close;
+// then the goodbyes that a server and a client send, while no network is up.
+TEST_F(Screen, TheRowAndListOfANetworkGame) {
+  ASSERT_TRUE(LoadGame(Game));
+  Game.Mode = GAME_MODE_SERVER;
+  Game.Players.resize(2);
+  Game.SetLocalPlayer(0);
+  Game.Players[1].PlayerName = "Bo";
+  Game.Players[1].Character = &Game.Characters[0];
+  thread closer([] {
+    Frames(3);
+    RVK_RequestClose();
+  });
+  GameLoop(Game);
+  closer.join();
+  // The bodies 170 units apart about the middle, 350 units away; the list's
+  // second line shows right of the bar, and no third.
+  auto white = [](int y) {
+    uint32_t p[40 * 16];
+    glReadPixels(131, 584 - y, 40, 16, GL_RGBA, GL_UNSIGNED_BYTE, p);
+    return std::count(p, p + 40 * 16, 0xFFFFFFFF) > 0;
+  };
+  const TkPixel sky{161, 214, 255};
+  EXPECT_EQ(make_tuple(TkReadPixel(236, 358) == sky, TkReadPixel(400, 358) == sky, TkReadPixel(564, 358) == sky,
+                       white(96), white(112)),
+            make_tuple(false, true, false, true, false));
+  Game.Mode = GAME_MODE_CLIENT;
+  Game.Players.resize(1);
+  Game.SetLocalPlayer(0);
+  GameLoop(Game);
+  RVK_RequestClose(false);
+  EXPECT_TRUE(Said("Can not send packet, network is not initialised (packet type=20)") && Said("Can not send packet, network is not initialised (packet type=0)"));
+}
+
+TEST_F(Screen, MenuAndGamesDrivenByKeysAndClicks) {
+  Catalogue(0, 2, Entry(0, 0) + Entry(0, 1));
+  ASSERT_TRUE(LoadGame(Game));
+  TkWindowId();
+  Config.PlayerName = "Ann";
+  Config.LocalServerPort = to_string(TestPort(0));
+  Config.RemoteServerAddress = "127.0.0.1";
+  Config.RemoteServerPort = to_string(TestPort(1));
+  int lastId = -1;
+  thread journey([&] {
+    auto in = [](int mode) { return TkWaitFor([=] { return Game.Mode == mode; }, 20000); };
+    auto local = [] { return make_tuple(Game.GetPlayerCount(), Game.LocalPlayer->PlayerName, Game.LocalPlayer->PlayerId, Game.Toolbar.Title); };
+    [&] {
+      Frames(2);
+      Type("Return");
+      ASSERT_TRUE(in(GAME_MODE_SINGLE));
+      EXPECT_EQ(local(), make_tuple(1, string("Player"), 0, string("(no name)")));
+      // The second body from its bar, then the hat bar and its "No hat".
+      Click(60, Game.CharacterBar.RowsY + 194);
+      Click(Game.Toolbar.Buttons[8].X + 16, Game.Toolbar.Buttons[8].Y + 16);
+      Click(60, Game.HatBar.RowsY + 48);
+      EXPECT_EQ(make_tuple(Game.LocalPlayer->CharacterNumber, Game.LocalPlayer->HatNumber, Game.CurrentBar), make_tuple(1, -1, 8));
+      // A reload takes the body back to one that the new catalogues have.
+      Catalogue(0, 1, Entry(0, 0));
+      Press("F5", KEY_F5);
+      EXPECT_EQ(make_tuple(Game.Characters.size(), Game.LocalPlayer->Character), make_tuple(1u, &Game.Characters[0]));
+      // A turns all three angles alike by itself; R takes them back.
+      Press("a", KEY_A, true);
+      Frames(20);
+      float spun = Game.ViewAngles[0];
+      EXPECT_TRUE(spun > 20 && Game.ViewAngles[1] == spun && Game.ViewAngles[2] == spun);
+      Press("r", KEY_R, true);
+      EXPECT_LT(Game.ViewAngles[1], 20);
+      TkMovePointer(790, 590);
+      Press("Escape", KEY_ESC);
+      ASSERT_TRUE(in(GAME_MODE_NONE));
+      // Hosting, where F5 is refused.
+      Type("Down Return Return");
+      Press("Return", KEY_ENTER);
+      ASSERT_TRUE(in(GAME_MODE_SERVER));
+      EXPECT_EQ(local(), make_tuple(1, string("Ann"), 1, string("(no name) (server mode)")));
+      Press("F5", KEY_F5);
+      EXPECT_TRUE(Said("Cannot reload data while hosting a server"));
+      Press("Escape", KEY_ESC);
+      ASSERT_TRUE(in(GAME_MODE_NONE));
+      // Joining a port where no one listens, given up with Esc.
+      Type("Down Return");
+      Press("Return", KEY_ENTER);
+      ASSERT_TRUE(in(GAME_MODE_CLIENT));
+      EXPECT_EQ(Game.LocalPlayer->PlayerName, "Ann");
+      Press("Escape", KEY_ESC, true);
+      // Back, a new game, and a request to close while R is held.
+      Type("Down Return Up Return");
+      ASSERT_TRUE(in(GAME_MODE_SINGLE));
+      TkKey("r", KEY_R, true);
+      Stalled();
+      lastId = Game.LocalPlayer->PlayerId;
+    }();
+    RVK_RequestClose();
+    TkKey("r", KEY_R, false);
+  });
+  MainMenu();
+  journey.join();
+  RVK_RequestClose(false);
+  EXPECT_EQ(make_tuple(lastId, Game.Mode, Game.GetPlayerCount(), Game.NextPlayerId), make_tuple(2, 0, 0, 3));
+}
+
+// Runs the program in `dir`, Allegro's messages on its output, `then` once a
+// frame is drawn; answers its exit status.
+int Launch(const char *dir, vector<const char *> args, function<void(pid_t)> then = nullptr) {
+  unlink("frames");
+  args.insert(args.begin(), "tumblekin");
+  args.push_back(nullptr);
+  string display = string("DISPLAY=") + getenv("DISPLAY");
+  const char *env[] = {display.c_str(), "PATH=/nonexistent", "TUMBLEKIN_FRAME_TRACE=../frames", "ALSA_CONFIG_PATH=/dev/null", nullptr};
+  pid_t pid = fork();
+  if (pid == 0) {
+    int out = open("output.txt", O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    if (chdir(dir) == 0 && dup2(out, 1) == 1 && dup2(out, 2) == 2) execve("../tumblekin", (char **)args.data(), (char **)env);
+    _exit(127);
+  }
+  if (then && TkWaitFor([] { return !Text("frames").empty(); }, 30000)) then(pid);
+  int status = 0;
+  waitpid(pid, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+TEST_F(Screen, TheProgramKeepsItsSettingsAndEndsOnASignal) {
+  const string ini = "[video]\nwidth = 0\nheight = 99999\nwindow = 7\n\n[sound]\nenabled = 0\n\n[network]\n"
+                     "PlayerName = Ann\nRemoteServerAddress = 127.0.0.1\n";
+  for (string dir : {"bare", "c"}) {
+    mkdir(dir.c_str(), 0755);
+    ofstream(dir + "/s.ini") << ini;
+    for (string file : {"data", "Tumblekin.txt", "Tumblekin.dat", "RVK.dat"})
+      if (dir == "c") symlink(("../" + file).c_str(), ("c/" + file).c_str());
+  }
+  // Without "Tumblekin.dat" it ends at once with 1, the settings untouched.
+  EXPECT_EQ(Launch("bare", {"-config", "s.ini"}), 1);
+  EXPECT_EQ(Text("output.txt") + Text("bare/s.ini"), "Unable to load Tumblekin.dat\n" + ini);
+  // Sizes the display can't take become the desktop's; Exit is chosen by keys.
+  const string saved = "[video]\nwidth = 1024\nheight = 768\nwindow = 1\nbpp = 32\n\n[sound]\nenabled = 0\n"
+                       "SoundVolume = 192\n\n[network]\nPlayerName = Ann\nRemoteServerAddress = 127.0.0.1\n"
+                       "LocalServerPort = 8030\nRemoteServerPort = 8030\n";
+  auto exit = [](pid_t) { system("xdotool search --sync --onlyvisible --name '^Tumblekin$' windowfocus --sync key Up Return"); };
+  EXPECT_EQ(Launch("c", {"-config", "s.ini"}, exit), 0);
+  EXPECT_EQ(Text("c/s.ini"), saved);
+  // SIGTERM and SIGINT end it the ordinary way; settings it can't write are told.
+  auto signal = [](int number) { return [=](pid_t pid) { kill(pid, number); }; };
+  EXPECT_EQ(Launch("c", {"-config", "nodir/x.ini"}, signal(SIGTERM)), 0);
+  const string lost = "Unable to write the settings to nodir/x.ini";
+  EXPECT_NE(Text("output.txt").find(lost + "\nRVK generated 1 or more error messages"), string::npos);
+  EXPECT_NE(Text("c/RVK Error Log.txt").find(">" + lost), string::npos);
+  ofstream("c/s.ini") << ini;
+  EXPECT_EQ(Launch("c", {"-CONFIG", "s.ini"}, signal(SIGINT)), 0);
+  EXPECT_EQ(Text("c/s.ini") + Text("output.txt"), saved);
+  unlink(Trace.c_str());
+}
+
+}  // namespace
