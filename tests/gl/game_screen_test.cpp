@@ -30,6 +30,13 @@ namespace {
 
 typedef vector<float> Floats;
 
+// Values joined by spaces, to compare many at once.
+template <class... T> string Str(const T &...v) {
+  stringstream s;
+  ((s << v << ' '), ...);
+  return s.str();
+}
+
 string Text(const string &path) {
   stringstream s;
   s << ifstream(path).rdbuf();
@@ -134,7 +141,7 @@ protected:
       symlink((TK_GAME_DIR "/" + file).c_str(), file.c_str());
     for (const string &d : DIRS) {
       mkdir(("data/" + d).c_str(), 0755);
-      WriteSquare("data/" + d + "/a.ms3d", 40, true);
+      WriteSquare("data/" + d + "/a.ms3d", d == "characters" ? 40 : 10, true);
       WriteTga("data/" + d + "/a.tga", 40);
     }
     WriteSquare("data/hats/h.ms3d", 10, false);
@@ -301,6 +308,22 @@ TEST_F(Screen, DrawPlayerPutsTheHatOnItsAnchorAndScalesAll) {
     // Culling back on, no normalising, the matrix as it was.
     EXPECT_EQ(make_tuple(drawn, glIsEnabled(GL_CULL_FACE) && !glIsEnabled(GL_NORMALIZE), Floats(after, after + 16)),
               make_tuple(column, true, Floats(before, before + 16)));
+  }
+  // Every part on its anchor, in a row 100 units above the middle (120 on a
+  // client's row): the eyes turned half about X, then about Y, face away;
+  // the brows lifted off it.
+  Game.Mode = GAME_MODE_CLIENT;
+  Game.Characters[0].Scale = 1;
+  Game.Hats[0].BackFaces = true;
+  for (int i = 0; i < 12; i++) Game.Characters[0].LeftEye[3 * i] = 30 * i - 165, Game.Characters[0].LeftEye[3 * i + 1] = 100;
+  for (float turn : {0, 1, 2}) {
+    const float eyes[2] = {128.0f * (turn == 1), 128.0f * (turn == 2)};
+    PlayerClass player{0, &Game.Characters[0], "", 0, 0, 0, 0, 0, 0, 0, 0, 0, {eyes[0], eyes[1]}, {eyes[0], eyes[1]}, 10 * turn};
+    RVK_SetClearColour(makecol(161, 214, 255));
+    DrawPlayer(player, 0, 0, 0);
+    string drawn;
+    for (int i = 0; i < 12; i++) drawn += TkReadPixel(400 - (30 * i - 165) * 1.348f, 138) == TkPixel{161, 214, 255} ? '.' : '#';
+    EXPECT_EQ(Str(drawn, player.EyebrowsY), Str(turn ? "..####..####" : "############", turn ? 10 * turn - 0.25f : 0)) << turn;
   }
   Game.Mode = GAME_MODE_NONE;
 }
