@@ -75,20 +75,28 @@ string Parts(const PlayerClass &p) {
 
 TEST_F(Rules, ScreenSizesTheDisplayCantTakeBecomeTheDefault) {
   // Without a desktop to ask, 800 by 600 is the default and the limit. Each
-  // row: width and height written, then taken, and the error log's lines.
-  const char *rows[][3] = {{"", "", "800 600 0"},    {"1", "600", "1 600 0"},     {"800", "1", "800 1 0"},
-                           {"0", "601", "800 600 2"}, {"801", "abc", "800 600 2"}};
+  // row: the video section, then the size and window taken and the error
+  // log's lines.
+  const char *rows[][2] = {{"", "800 600 0 0"}, {"width = 1\nheight = 600\nwindow = 1", "1 600 1 0"},
+                           {"width = 800\nheight = 1", "800 1 0 0"}, {"width = 0\nheight = 601", "800 600 0 2"},
+                           {"width = 801\nheight = abc", "800 600 0 2"}};
   for (auto &row : rows) {
     remove("RVK Error Log.txt");
-    ofstream("s.ini") << "[video]\nwidth = " << row[0] << "\nheight = " << row[1] << "\n";
+    ofstream("s.ini") << "[video]\n" << row[0] << "\n";
     ConfigClass config;
     config.ConfigFileName = "s.ini";
     LoadConfig(config);
     stringstream in;
     in << ifstream("RVK Error Log.txt").rdbuf();
     string log = in.str();
-    EXPECT_EQ(Str(config.ScreenWidth, config.ScreenHeight, std::count(log.begin(), log.end(), '>')), row[2]);
+    EXPECT_EQ(Str(config.ScreenWidth, config.ScreenHeight, config.Windowed, std::count(log.begin(), log.end(), '>')), row[1]);
   }
+  // Written only where it can be, and at once.
+  ConfigClass written, lost;
+  written.ConfigFileName = "new.ini";
+  lost.ConfigFileName = "nodir/x.ini";
+  EXPECT_TRUE(SaveConfig(written));
+  EXPECT_EQ(Str(access("new.ini", R_OK), SaveConfig(lost)), "0 0");
   // The last option counts, even as the value of another; one at the end is ignored.
   for (auto args : {vector<const char *>{"-config", "-config", "c", "x", "-config"}, {"-CoNfIg", "c"}}) {
     args.insert(args.begin(), "tumblekin");
