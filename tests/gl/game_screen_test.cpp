@@ -1,13 +1,13 @@
 // The game in a window on catalogues of its own: loading, the scene, a
-// character, the menu and games by real keys and clicks, and the program run.
+// character, games and the menu by real keys and clicks, the program run.
 #include <gtest/gtest.h>
 #include <allegro.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <cmath>
 #include <atomic>
-#include <csignal>
+#include <cmath>
+#include <cstring>
 #include <fstream>
 #include <functional>
 #include <sstream>
@@ -28,8 +28,6 @@ using namespace std;
 
 namespace {
 
-typedef vector<float> Floats;
-
 // Values joined by spaces, to compare many at once.
 template <class... T> string Str(const T &...v) {
   stringstream s;
@@ -42,6 +40,8 @@ string Text(const string &path) {
   s << ifstream(path).rdbuf();
   return s.str();
 }
+
+const TkPixel SKY{161, 214, 255};
 
 // Each frame the library waits for adds a line to this trace.
 const string Trace = "/tmp/tumblekin-frames-" + to_string(getpid());
@@ -170,10 +170,9 @@ TEST_F(Screen, CataloguesTakeTheirKeysAndStopAtTheirFirstBrokenEntry) {
                 Game.Eyes[0].Name, h.Name, h.BackFaces, h.Offset[0], h.Offset[1], h.Offset[2], rows, Game.LoadError),
             "1 2 -500 3 2.5 (no name) -500 1  Cap 1 1.5 0 -2 222222222 Unable to load model from data/eyes/ ");
   // The bars stand below the toolbar to the foot of the screen.
-  EXPECT_EQ(Str(Said("Loaded 1 eyes"), Said("Loaded 1 noses"), bodies.BackgroundColour == makecol(151, 151, 151),
-                hats.BackgroundColour == makecol(51, 127, 178), hats.ThumbHeight, bodies.ThumbHeight,
-                hats.Y - text_height(RVK_FontStandard), hats.Y + hats.Height),
-            "1 1 1 1 96 128 48 599 ");
+  EXPECT_EQ(Str(Said("Loaded 1 noses"), bodies.BackgroundColour == makecol(151, 151, 151), hats.BackgroundColour == makecol(51, 127, 178),
+                hats.ThumbHeight, bodies.ThumbHeight, hats.Y - text_height(RVK_FontStandard), hats.Y + hats.Height),
+            "1 1 1 96 128 48 599 ");
   ASSERT_TRUE(Game.CharacterSample);
   UnloadGame(Game);
   SoundOn = false;
@@ -221,32 +220,34 @@ TEST_F(Screen, LightsTurnsBackgroundAndTheGameFont) {
   ApplyCamera(camera);
   float m[16];
   glGetFloatv(GL_PROJECTION_MATRIX, m);
-  for (float &v : m) v = std::round(v * 1000) / 1000;
+  string s;
+  for (float v : m) s += Str(std::round(v * 1000) / 1000);
   // 48 degrees of height over 800 by 600, near 1 and far 4000.
-  EXPECT_EQ(Floats(m, m + 16), (Floats{1.685f, 0, 0, 0, 0, 2.246f, 0, 0, 0, 0, -1.001f, -1, 0, 0, -2.001f, 0}));
+  EXPECT_EQ(s, "1.685 0 0 0 0 2.246 0 0 0 0 -1.001 -1 0 0 -2.001 0 ");
   // Each light as the camera alone places it (turned half about Y), and on.
   SetupLights();
-  Floats lights;
+  s.clear();
   for (GLenum light : {GL_LIGHT0, GL_LIGHT1}) {
     for (GLenum what : {GL_POSITION, GL_AMBIENT, GL_DIFFUSE, GL_SPECULAR}) {
       float v[4];
       glGetLightfv(light, what, v);
-      lights.insert(lights.end(), v, v + 4);
+      s += Str(v[0], v[1], v[2], v[3]);
     }
-    lights.push_back(glIsEnabled(light) && glIsEnabled(GL_LIGHTING));
+    s += Str(glIsEnabled(light) && glIsEnabled(GL_LIGHTING));
   }
-  EXPECT_EQ(lights, (Floats{1, .5f, 1, 0, .5f, .5f, .5f, 1, 1, 1, 1, 1, .5f, .5f, .5f, 1, 1,
-                            -1, .5f, -1, 0, .5f, .5f, .5f, 1, 1, 1, 1, 1, .5f, .5f, .5f, 1, 1}));
+  EXPECT_EQ(s, "1 0.5 1 0 0.5 0.5 0.5 1 1 1 1 1 0.5 0.5 0.5 1 1 -1 0.5 -1 0 0.5 0.5 0.5 1 1 1 1 1 0.5 0.5 0.5 1 1 ");
   DisableLights();
   EXPECT_FALSE(glIsEnabled(GL_LIGHT0) || glIsEnabled(GL_LIGHT1) || glIsEnabled(GL_LIGHTING));
   // Where the X and Y axes go in a quarter turn by the idle yaw or a view angle.
-  const pair<Floats, Floats> turns[] = {{{90, 0, 0, 0}, {0, 0, -1, 0, 1, 0}}, {{0, 64, 0, 0}, {1, 0, 0, 0, 0, 1}},
-                                        {{0, 0, 64, 0}, {0, 0, -1, 0, 1, 0}}, {{0, 0, 0, 64}, {0, 1, 0, -1, 0, 0}}};
-  for (const auto &t : turns) {
+  const pair<vector<float>, string> turns[] = {{{90, 0, 0, 0}, "0 0 -1 0 1 0 "}, {{0, 64, 0, 0}, "1 0 0 0 0 1 "},
+                                               {{0, 0, 64, 0}, "0 0 -1 0 1 0 "}, {{0, 0, 0, 64}, "0 1 0 -1 0 0 "}};
+  for (const auto &[angles, axes] : turns) {
     glLoadIdentity();
-    RotateScene(t.first[0], &t.first[1]);
+    RotateScene(angles[0], &angles[1]);
     glGetFloatv(GL_MODELVIEW_MATRIX, m);
-    for (int i = 0; i < 6; i++) EXPECT_NEAR(m[i / 3 * 4 + i % 3], t.second[i], 1e-6) << t.first[0] << i;
+    s.clear();
+    for (int i : {0, 1, 2, 4, 5, 6}) s += Str(std::round(m[i]) + 0);
+    EXPECT_EQ(s, axes);
   }
   // The menu's picture over the whole screen, tinted blue at half for dialogs.
   ASSERT_TRUE(LoadGame(Game));
@@ -268,61 +269,65 @@ TEST_F(Screen, LightsTurnsBackgroundAndTheGameFont) {
   destroy_font((FONT *)data[0].dat);
 }
 
+// Draws `p` as a single player's camera sees it and reads where the columns
+// and rows given cross; then whether culling is back on, normalising off and
+// the matrix as it was.
+string Draw(PlayerClass &p, const vector<int> &xs, const vector<int> &ys) {
+  RVK_SetClearColour(makecol(161, 214, 255));
+  RVK_SetClearColour(makecol(161, 214, 255));  // taken at the next clear
+  CameraClass camera;
+  camera.Eye[2] = -500;
+  ApplyCamera(camera);
+  float before[16], after[16];
+  glGetFloatv(GL_MODELVIEW_MATRIX, before);
+  DrawPlayer(p, 0, 0, 0);
+  glGetFloatv(GL_MODELVIEW_MATRIX, after);
+  string drawn;
+  for (int x : xs)
+    for (int y : ys) drawn += TkReadPixel(x, y) == SKY ? '.' : '#';
+  return drawn + (glIsEnabled(GL_CULL_FACE) && !glIsEnabled(GL_NORMALIZE) && !memcmp(before, after, sizeof before) ? " 1" : " 0");
+}
+
 // At 500 units a 48-degree view shows 300 / (500 tan 24) = 1.348 pixels a unit.
-TEST_F(Screen, DrawPlayerPutsTheHatOnItsAnchorAndScalesAll) {
+TEST_F(Screen, DrawPlayerPutsEveryPartOnItsAnchorAndScalesAll) {
   ASSERT_TRUE(LoadGame(Game));
-  Game.Characters[0].Hat[1] = 60;
-  // Each step: the mode, the hat's back faces, offset up and number, the
-  // body's scale, then sky or drawn at x 400 on the rows given.
+  CharacterEntry &body = Game.Characters[0];
+  HatEntry &hat = Game.Hats[0];
+  body.Hat[1] = 60;
+  // Each step: the mode, the hat's back faces, offset up and number (no
+  // other part), the body's scale, then the rows read at x 400 and what
+  // they show.
   const tuple<int, bool, float, int, float, vector<int>, string> steps[] = {
       // The body, 40 units: y 273..327; the hat faces away and is culled.
-      {GAME_MODE_SINGLE, false, 0, 0, 1, {300, 250, 219}, "#.."},
+      {GAME_MODE_SINGLE, false, 0, 0, 1, {300, 250, 219}, "#.. 1"},
       // Its inside shows: 60 units up, y 212..226; the offset adds 20.
-      {GAME_MODE_SINGLE, true, 0, 0, 1, {219, 205}, "#."},
-      {GAME_MODE_SINGLE, true, 20, 0, 1, {219, 192, 300}, ".##"},
-      {GAME_MODE_SINGLE, true, 20, -1, 1, {192, 300}, ".#"},
+      {GAME_MODE_SINGLE, true, 0, 0, 1, {219, 205}, "#. 1"},
+      {GAME_MODE_SINGLE, true, 20, 0, 1, {219, 192, 300}, ".## 1"},
+      {GAME_MODE_SINGLE, true, 20, -1, 1, {192, 300}, ".# 1"},
       // Scale 2: body 80 units, hat anchor at 120.
-      {GAME_MODE_SINGLE, true, 0, 0, 2, {250, 138, 219}, "##."},
+      {GAME_MODE_SINGLE, true, 0, 0, 2, {250, 138, 219}, "##. 1"},
       // In a network game the body stands on y: its centre 20 units up.
-      {GAME_MODE_SERVER, false, 0, -1, 1, {260, 318}, "#."},
+      {GAME_MODE_SERVER, false, 0, -1, 1, {260, 318}, "#. 1"},
   };
-  for (const auto &[mode, backFaces, offset, hat, scale, ys, column] : steps) {
-    Game.Mode = mode;
-    Game.Hats[0].BackFaces = backFaces;
-    Game.Hats[0].Offset[1] = offset;
-    Game.Characters[0].Scale = scale;
-    PlayerClass player{0, &Game.Characters[0], "", 0, -1, -1, -1, -1, -1, -1, -1, hat};
-    // The colour is taken at the next clear.
-    RVK_SetClearColour(makecol(161, 214, 255));
-    RVK_SetClearColour(makecol(161, 214, 255));
-    CameraClass camera;
-    camera.Eye[2] = -500;
-    ApplyCamera(camera);
-    float before[16], after[16];
-    glGetFloatv(GL_MODELVIEW_MATRIX, before);
-    DrawPlayer(player, 0, 0, 0);
-    glGetFloatv(GL_MODELVIEW_MATRIX, after);
-    string drawn;
-    for (int y : ys) drawn += TkReadPixel(400, y) == TkPixel{161, 214, 255} ? '.' : '#';
-    // Culling back on, no normalising, the matrix as it was.
-    EXPECT_EQ(Str(drawn, glIsEnabled(GL_CULL_FACE) && !glIsEnabled(GL_NORMALIZE) && Floats(after, after + 16) == Floats(before, before + 16)),
-              Str(column, 1));
+  for (const auto &[mode, backFaces, offset, number, scale, ys, shown] : steps) {
+    Game.Mode = mode, hat.BackFaces = backFaces, hat.Offset[1] = offset, body.Scale = scale;
+    PlayerClass p{0, &body, "", 0, -1, -1, -1, -1, -1, -1, -1, number};
+    EXPECT_EQ(Draw(p, {400}, ys), shown) << mode << number << scale;
   }
-  // Every part on its anchor, in a row 100 units above the middle (120 on a
-  // client's row): the eyes turned half about X, then about Y, face away;
-  // the brows lifted off it.
+  // Every part on its anchor in a row 100 units above the middle (120 on a
+  // client's row, y 138): the eyes turned half about X, then about Y, face
+  // away; the brows are lifted off it.
   Game.Mode = GAME_MODE_CLIENT;
-  Game.Characters[0].Scale = 1;
-  Game.Hats[0].BackFaces = true;
-  for (int i = 0; i < 12; i++) Game.Characters[0].LeftEye[3 * i] = 30 * i - 165, Game.Characters[0].LeftEye[3 * i + 1] = 100;
+  body.Scale = 1;
+  hat.BackFaces = true;
+  float *anchors[12] = {body.LeftEye, body.RightEye, body.LeftEar, body.RightEar, body.Nose, body.Mouth,
+                        body.LeftEyebrow, body.RightEyebrow, body.Moustache, body.LeftFoot, body.RightFoot, body.Hat};
+  vector<int> xs;
+  for (int i = 0; i < 12; i++) anchors[i][0] = 30 * i - 165, anchors[i][1] = 100, xs.push_back(622 - 40.44f * i);
   for (float turn : {0, 1, 2}) {
-    const float eyes[2] = {128.0f * (turn == 1), 128.0f * (turn == 2)};
-    PlayerClass player{0, &Game.Characters[0], "", 0, 0, 0, 0, 0, 0, 0, 0, 0, {eyes[0], eyes[1]}, {eyes[0], eyes[1]}, 10 * turn};
-    RVK_SetClearColour(makecol(161, 214, 255));
-    DrawPlayer(player, 0, 0, 0);
-    string drawn;
-    for (int i = 0; i < 12; i++) drawn += TkReadPixel(400 - (30 * i - 165) * 1.348f, 138) == TkPixel{161, 214, 255} ? '.' : '#';
-    EXPECT_EQ(Str(drawn, player.EyebrowsY), Str(turn ? "..####..####" : "############", turn ? 10 * turn - 0.25f : 0)) << turn;
+    const float x = 128 * (turn == 1), y = 128 * (turn == 2);
+    PlayerClass p{0, &body, "", 0, 0, 0, 0, 0, 0, 0, 0, 0, {x, y}, {x, y}, 10 * turn};
+    EXPECT_EQ(Str(Draw(p, xs, {138}), p.EyebrowsY), Str(turn ? "..####..#### 1" : "############ 1", turn ? 10 * turn - 0.25f : 0)) << turn;
   }
   Game.Mode = GAME_MODE_NONE;
 }
@@ -343,7 +348,6 @@ TEST_F(Screen, GameFramesAndGoodbyes) {
     closer.join();
     RVK_RequestClose(false);
   };
-  const TkPixel sky{161, 214, 255};
   // Alone, looked at from 30 units above its middle, the body stands lower;
   // the request comes while R is held.
   play(GAME_MODE_SINGLE, 1, [] {
@@ -353,7 +357,7 @@ TEST_F(Screen, GameFramesAndGoodbyes) {
     RVK_RequestClose();
     TkKey("r", KEY_R, false);
   });
-  EXPECT_TRUE(TkReadPixel(400, 300) == sky && !(TkReadPixel(400, 340) == sky));
+  EXPECT_TRUE(TkReadPixel(400, 300) == SKY && !(TkReadPixel(400, 340) == SKY));
   // A server's two bodies 170 units apart about the middle, 350 units away;
   // the list's second line shows right of the bar, and no third.
   play(GAME_MODE_SERVER, 2, [] {
@@ -365,7 +369,7 @@ TEST_F(Screen, GameFramesAndGoodbyes) {
     glReadPixels(131, 584 - y, 40, 16, GL_RGBA, GL_UNSIGNED_BYTE, p);
     return std::count(p, p + 40 * 16, 0xFFFFFFFF) > 0;
   };
-  EXPECT_EQ(Str(TkReadPixel(236, 358) == sky, TkReadPixel(400, 358) == sky, TkReadPixel(564, 358) == sky, white(96), white(112)), "0 1 0 1 0 ");
+  EXPECT_EQ(Str(TkReadPixel(236, 358) == SKY, TkReadPixel(400, 358) == SKY, TkReadPixel(564, 358) == SKY, white(96), white(112)), "0 1 0 1 0 ");
   // With the request standing a client's game ends at once; each says
   // goodbye (with no network up, the try says which packet it was).
   glEnable(GL_LIGHTING);
@@ -442,7 +446,8 @@ TEST_F(Screen, MenuAndGamesDrivenByKeysAndClicks) {
 }
 
 // Runs the program in `dir`, Allegro's messages on its output, `then` once a
-// frame is drawn; answers its exit status.
+// frame is drawn; answers its exit status. One that draws nothing or doesn't
+// end is ended.
 int Launch(const char *dir, vector<const char *> args, function<void(pid_t)> then = nullptr) {
   unlink("frames");
   args.insert(args.begin(), "tumblekin");
@@ -455,7 +460,6 @@ int Launch(const char *dir, vector<const char *> args, function<void(pid_t)> the
     if (chdir(dir) == 0 && dup2(out, 1) == 1 && dup2(out, 2) == 2) execve("../tumblekin", (char **)args.data(), (char **)env);
     _exit(127);
   }
-  // A program that draws nothing or doesn't end is ended.
   if (then) TkWaitFor([] { return !Text("frames").empty(); }, 30000) ? then(pid) : (void)kill(pid, SIGKILL);
   int status = 0;
   if (!TkWaitFor([&] { return waitpid(pid, &status, WNOHANG) == pid; }, 30000)) kill(pid, SIGKILL), waitpid(pid, &status, 0);

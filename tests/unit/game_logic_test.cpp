@@ -135,8 +135,9 @@ TEST_F(Rules, ResetViewTakesTheBodysCamera) {
   ResetPlayer(*Game.LocalPlayer);
   Game.IdleYaw = Game.IdleYawTarget = Game.IdleCameraZTarget = Game.ViewAngles[0] = Game.ViewAngles[2] = 9;
   Game.ResetView();
-  // The camera, the view angles, the idle yaw and both idle targets.
-  EXPECT_EQ(Floats(Game.CameraPosition, Game.CameraPosition + 9), (Floats{0, 0, -300, 0, 0, 0, 0, 0, 0}));
+  EXPECT_EQ(Str(Game.CameraPosition[0], Game.CameraPosition[1], Game.CameraPosition[2], Game.ViewAngles[0],
+                Game.ViewAngles[2], Game.IdleYaw, Game.IdleYawTarget, Game.IdleCameraZTarget),
+            "0 0 -300 0 0 0 0 0");
   Game.LocalPlayer = nullptr;
   Game.ResetView();
 }
@@ -155,7 +156,7 @@ TEST_F(Rules, PartsTakeNumbersOfTheirCatalogueAndPlayTheirCue) {
   PlayCueSample = RecordCue;
   SoundOn = true;
   Config.SoundVolume = 300;
-  for (float *f = P.EyesOri; f <= &P.EyebrowsY; f++) *f = 5;
+  P = {0, nullptr, "", 0, 0, 0, 0, 0, 0, 0, 0, 0, {5, 5, 5}, {5, 5, 5}, 5};
   // Each step: operation, number, its field after, the cue played. A part
   // refuses what its catalogue lacks; a body takes 0 instead and clears the face.
   const int steps[][4] = {{1, -2, 0, 0}, {1, -1, -1, 1}, {1, 1, 1, 1}, {1, 2, 1, 0}, {8, 4, 0, 0},
