@@ -19,8 +19,11 @@
 #include "app/startup.h"
 #include "character/drawplayer.h"
 #include "gl/rvk_xinput.h"
+#include "net/host.h"
 #include "netpeer/netpeer.h"
 #include "rvk/core.h"
+#include "rvk/messagebox.h"
+#include "rvk/textviewer.h"
 #include "support/gl_env.h"
 #include "tools/ms3dwriter/ms3dwriter.h"
 
@@ -370,10 +373,14 @@ TEST_F(Screen, GameFramesAndGoodbyes) {
     return std::count(p, p + 40 * 16, 0xFFFFFFFF) > 0;
   };
   EXPECT_EQ(Str(TkReadPixel(236, 358) == SKY, TkReadPixel(400, 358) == SKY, TkReadPixel(564, 358) == SKY, white(96), white(112)), "0 1 0 1 0 ");
-  // With the request standing a client's game ends at once; each says
-  // goodbye (with no network up, the try says which packet it was).
+  // With the request standing the boxes and dialogs end at once, and so does
+  // a client's game; each game says goodbye (with no network up, the try says
+  // which packet it was).
   glEnable(GL_LIGHTING);
   RVK_RequestClose();
+  RVK_MessageBox("Gone");
+  RVK_ShowText("Gone", false, "Gone");
+  EXPECT_FALSE(HostGameDialog() || ConnectGameDialog());
   play(GAME_MODE_CLIENT, 1, [] {});
   const string tried = "Can not send packet, network is not initialised (packet type=";
   EXPECT_EQ(Str(Said(tried + "20)"), Said(tried + "0)"), !!glIsEnabled(GL_LIGHTING), Game.Toolbar.Buttons.size(), Game.GetPlayerCount()), "1 1 0 0 0 ");
