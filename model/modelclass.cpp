@@ -4,6 +4,13 @@
 
 #include <chrono>
 
+namespace {
+
+// Rotations count 256 steps to the turn.
+const float DEGREES_PER_STEP = 360.0f / 256.0f;
+
+}  // namespace
+
 int32_t ModelClock() {
   // Counted from the first reading, so the 32-bit value lasts for weeks.
   static const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
@@ -136,11 +143,11 @@ void ModelClass::Render() {
 
 void ModelClass::SetupMaterial(int index) {
   if (index < 0 || index >= Model->GetNumMaterials()) {
-    glDepthMask(1);
+    glDepthMask(GL_TRUE);
     glDisable(GL_ALPHA_TEST);
     glDisable(GL_TEXTURE_GEN_S);
     glDisable(GL_TEXTURE_GEN_T);
-    glColor4f(1, 1, 1, 1);
+    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
     glDisable(GL_TEXTURE_2D);
     glDisable(GL_BLEND);
     glBindTexture(GL_TEXTURE_2D, 0);
@@ -157,26 +164,26 @@ void ModelClass::SetupMaterial(int index) {
 
   const msMaterial &mat = Model->Materials[index];
   glEnable(GL_TEXTURE_2D);
-  if (mat.Transparency < 1.0f || (mat.Mode & 0x40)) {
+  if (mat.Transparency < 1.0f || (mat.Mode & MS_MODE_BLENDED)) {
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    glColor4f(1, 1, 1, mat.Transparency);
-    glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, 1);
+    glColor4f(1.0f, 1.0f, 1.0f, mat.Transparency);
+    glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, GL_TRUE);
     if (Model->TransparencyMode == 0) {
-      glDepthMask(0);
+      glDepthMask(GL_FALSE);
       glEnable(GL_ALPHA_TEST);
       glAlphaFunc(GL_GREATER, 0.0f);
     } else if (Model->TransparencyMode == 2) {
-      glDepthMask(1);
+      glDepthMask(GL_TRUE);
       glEnable(GL_ALPHA_TEST);
       glAlphaFunc(GL_GREATER, Model->AlphaRef);
     }
   } else {
     glDisable(GL_BLEND);
-    glColor4f(1, 1, 1, 1);
-    glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, 0);
+    glColor4f(1.0f, 1.0f, 1.0f, 1.0f);
+    glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, GL_FALSE);
   }
-  if (mat.Mode & 0x80) {
+  if (mat.Mode & MS_MODE_SPHERE_MAP) {
     glEnable(GL_TEXTURE_GEN_S);
     glEnable(GL_TEXTURE_GEN_T);
     glTexGeni(GL_S, GL_TEXTURE_GEN_MODE, GL_SPHERE_MAP);
@@ -198,14 +205,22 @@ void ModelClass::Draw(float x, float y, float z, float rx, float ry, float rz) {
   glEnable(GL_DEPTH_TEST);
   glPushMatrix();
   glTranslatef(x, y, z);
-  if (ry != 0) glRotatef(ry * 1.40625f, 0, -1, 0);
-  if (rx != 0) glRotatef(rx * 1.40625f, 1, 0, 0);
-  if (rz != 0) glRotatef(rz * 1.40625f, 0, 0, 1);
-  // The frame picks the list; one outside the compiled range (a model
-  // without lists, or a frame made unusable by a damaged file) draws nothing.
-  double list = 2.0 * CurrentFrame;
-  if (ListsValid && list >= 0.0 && list < ListRange) glCallList(ListBase + static_cast<GLuint>(list));
+  if (ry != 0.0f) glRotatef(ry * DEGREES_PER_STEP, 0.0f, -1.0f, 0.0f);
+  if (rx != 0.0f) glRotatef(rx * DEGREES_PER_STEP, 1.0f, 0.0f, 0.0f);
+  if (rz != 0.0f) glRotatef(rz * DEGREES_PER_STEP, 0.0f, 0.0f, 1.0f);
+  CallFrameList();
   glPopMatrix();
+}
+
+int FrameList(float frame, int listCount) {
+  double list = 2.0 * frame;
+  if (!(list >= 0.0 && list < listCount)) return -1;
+  return static_cast<int>(list);
+}
+
+void ModelClass::CallFrameList() const {
+  int list = FrameList(CurrentFrame, ListCount());
+  if (list >= 0) glCallList(ListBase + static_cast<GLuint>(list));
 }
 
 void ModelClass::UpdateFrame() {

@@ -36,6 +36,9 @@ public:
   void SetupMaterial(int index);
   // Number of display lists BuildLists made (0 when there are none).
   int ListCount() const;
+  // Calls the display list of CurrentFrame, if it has one: the one rule by
+  // which Draw and the character drawing pick a model's frame.
+  void CallFrameList() const;
 
   // Number of names BuildLists reserved from ListBase, kept so that the
   // lists are deleted in the number reserved.
@@ -58,6 +61,11 @@ struct ModelBox {
 // Moves the model so its bounding box is centred on the origin: every vertex
 // and every root joint (the others move with their parents). No GL involved.
 ModelBox CentreModel(msModel &model);
+
+// The display list that shows a frame, counted from the first: lists 2k and
+// 2k + 1 both hold frame k. -1 when none of the listCount lists does (a model
+// without lists, or a frame that a damaged file made unusable).
+int FrameList(float frame, int listCount);
 
 // Milliseconds of a wall clock that measures elapsed time.
 int32_t ModelClock();

@@ -10,7 +10,8 @@
 namespace {
 
 // A file bigger than this is not read at all. It holds the largest picture
-// allowed below at 32 bits with room to spare, and minutes of sound.
+// allowed below at 32 bits with room to spare, minutes of sound, and any
+// configuration file.
 const size_t MEDIA_MAX_BYTES = 80u << 20;
 
 // Largest picture side: more than any screen the menu background fills or any
@@ -97,6 +98,17 @@ bool Utf8Complete(const uint8_t *p, size_t length) {
   return code >= SMALLEST[length] && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
 }
 
+// A line whose first character past blanks is "[" must be "[name]", the name
+// without blanks, brackets or equals signs, then only blanks or a comment.
+bool SectionLineReadsBack(const std::string &line) {
+  size_t open = line.find_first_not_of(" \t");
+  if (open == std::string::npos || line[open] != '[') return true;
+  size_t close = line.find_first_of(" \t[]=\r\n", open + 1);
+  if (close == std::string::npos || line[close] != ']') return false;
+  size_t rest = line.find_first_not_of(" \t\r\n", close + 1);
+  return rest == std::string::npos || line[rest] == '#';
+}
+
 std::string ReadWhole(const char *path, std::vector<uint8_t> &bytes) {
   FILE *file = fopen(path, "rb");
   if (!file) return "can't be opened";
@@ -124,7 +136,8 @@ std::string RVK_CheckTga(const uint8_t *data, size_t size) {
   if (!kind.empty()) return kind;
   uint32_t w = Le16(data + 12), h = Le16(data + 14);
   if (w == 0 || h == 0) return "has no pixels";
-  if (w > PICTURE_MAX_SIDE || h > PICTURE_MAX_SIDE) return Reason("larger than %d pixels on a side", PICTURE_MAX_SIDE, 0);
+  if (w > PICTURE_MAX_SIDE || h > PICTURE_MAX_SIDE)
+    return Reason("larger than %d pixels on a side", PICTURE_MAX_SIDE, 0);
   size_t pos = TGA_HEADER_SIZE + data[0];
   if ((data[2] & ~TGA_RLE) == TGA_MAPPED) pos += TGA_MAP_LENGTH * ((data[7] + 7) / 8);
   if (pos > size) return "cut short";
@@ -168,29 +181,27 @@ std::string RVK_CheckWav(const uint8_t *data, size_t size) {
 // surrogates or code points beyond U+10FFFF. Allegro also writes some lines
 // back in a form that it then reads differently, so that the settings written
 // are not the settings read: lines holding control characters other than
-// tabs, and section lines with an equals sign, or with blanks between their
-// brackets. Those are refused, and so are long lines: Allegro's reader writes
-// past a buffer on lines of about 250 bytes that hold characters beyond ASCII.
+// tabs (a carriage return only before a line feed), and section lines other
+// than a plain "[name]". Those are refused, and so are long lines: Allegro's
+// reader writes past a buffer on lines of about 250 bytes that hold
+// characters beyond ASCII.
 std::string RVK_CheckConfigText(const uint8_t *data, size_t size) {
   int line = 1;
-  size_t lineLength = 0;
-  bool lineStart = true, sectionLine = false, sectionName = false;
+  size_t lineStart = 0;
   for (size_t i = 0; i < size; i += Utf8Length(data[i])) {
     uint8_t c = data[i];
     size_t length = Utf8Length(c);
     if (length == 0 || length > size - i || !Utf8Complete(data + i, length))
       return Reason("not UTF-8 text (line %d)", line, 0);
-    bool blank = c == ' ' || c == '\t';
-    if ((c < ' ' || c == 0x7F) && !blank && c != '\n' && c != '\r')
-      return Reason("a control character (line %d)", line, 0);
-    sectionLine = c != '\n' && (sectionLine || (lineStart && c == '['));
-    sectionName = sectionLine && c != ']' && (sectionName || c == '[');
-    if ((sectionName && blank) || (sectionLine && c == '='))
-      return Reason("a section name that is read back differently (line %d)", line, 0);
-    lineLength = c == '\n' ? 0 : lineLength + length;
-    if (lineLength > CONFIG_MAX_LINE) return Reason("a line longer than %d bytes (line %d)", (int)CONFIG_MAX_LINE, line);
-    if (c == '\n') line++;
-    lineStart = c == '\n' || (lineStart && blank);
+    bool lineEnd = c == '\n' || (c == '\r' && i + 1 < size && data[i + 1] == '\n');
+    if ((c < ' ' || c == 0x7F) && c != '\t' && !lineEnd) return Reason("a control character (line %d)", line, 0);
+    if (c != '\n' && i + length - lineStart > CONFIG_MAX_LINE)
+      return Reason("a line longer than %d bytes (line %d)", (int)CONFIG_MAX_LINE, line);
+    if (c != '\n' && i + length < size) continue;
+    if (!SectionLineReadsBack(std::string((const char *)data + lineStart, i + length - lineStart)))
+      return Reason("a section line other than a plain [name] (line %d)", line, 0);
+    line++;
+    lineStart = i + 1;
   }
   return "";
 }

@@ -26,9 +26,9 @@ TEST(CheckData, ShippedDataPassesAndABrokenCopyListsEveryProblem) {
   EXPECT_EQ(Check(TK_GAME_DIR, status), "No problems found.\n");
   EXPECT_EQ(status, 0);
 
-  // A copy made of links to the shipped files, with some of them replaced.
+  // Links to the shipped files, some replaced.
   const std::string dir = testing::TempDir() + "checkdata", data = dir + "/data/";
-  ASSERT_EQ(std::system(("rm -rf " + dir + " && mkdir " + dir + " && cp -rs " TK_SOURCE_DIR "/data " + dir).c_str()), 0);
+  ASSERT_EQ(std::system(("rm -rf " + dir + "; mkdir " + dir + " && cp -rs " TK_SOURCE_DIR "/data " + dir).c_str()), 0);
   Write(data + "eyes.ini",
         "[info]\ncount = 3\ncolour = blue\n[eyes0]\nLeftModel = googly_left.ms3d\nRightModel = googly_right.ms3d\n"
         "thumb = gone.tga\n[eyes1]\nLefModel = googly_left.ms3d\nRightModel = broken.ms3d\nthumb = googly_thumb.tga\n"

@@ -1,5 +1,4 @@
-// What the file checks let through to Allegro: a file's bytes and the reason
-// they are refused, empty when they pass.
+// Each row: a file's bytes and why the checks refuse them (empty: they pass).
 #include <gtest/gtest.h>
 #include <string>
 #include "rvk/filecheck.h"
@@ -54,8 +53,9 @@ TEST(FileCheck, EachKindOfFileIsRefusedForItsReason) {
       {RVK_CheckConfigText, "\xed\xa0\x80", "not UTF-8 text (line 1)"},
       {RVK_CheckConfigText, "\xe2\x82", "not UTF-8 text (line 1)"},
       {RVK_CheckConfigText, "a\x7f", "a control character (line 1)"},
-      {RVK_CheckConfigText, " [a\tb]", "a section name that is read back differently (line 1)"},
-      {RVK_CheckConfigText, "[a] b\n[a]=", "a section name that is read back differently (line 2)"},
+      {RVK_CheckConfigText, "\r[a]", "a control character (line 1)"},
+      {RVK_CheckConfigText, " [a\tb]", "a section line other than a plain [name] (line 1)"},
+      {RVK_CheckConfigText, "[a] #c\n[a]=", "a section line other than a plain [name] (line 2)"},
   };
   for (const auto &row : rows)
     EXPECT_EQ(row.Check((const uint8_t *)row.Bytes.data(), row.Bytes.size()), row.Reason) << row.Bytes;
