@@ -255,9 +255,9 @@ void GameLoop(GameClass &game) {
   }
 
   if (game.Mode == GAME_MODE_SERVER)
-    NP_SendPacket(NP_TO_ALL, 20, "");
+    NP_SendPacket(NP_TO_ALL, NP_UPDATE_QUIT, "");
   else if (game.Mode == GAME_MODE_CLIENT)
-    NP_SendPacket(NP_TO_SERVER, 0, "");
+    NP_SendPacket(NP_TO_SERVER, NP_REPORT_QUIT, "");
   game.Toolbar.Clear();
   game.Players.clear();
   game.LocalPlayer = nullptr;
