@@ -244,7 +244,7 @@ void GameLoop(GameClass &game) {
     RVK_EndFrame();
 
     if (autoSpin)
-      for (int i = 0; i < 3; i++) game.ViewAngles[i] += 2;
+      for (float &angle : game.ViewAngles) angle += 2;
 
     if (keyboard_needs_poll()) poll_keyboard();
     ViewKeysClass keys;
