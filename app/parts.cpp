@@ -48,7 +48,7 @@ void SetCharacter(PlayerClass &player, int32_t number, bool announce) {
   for (float &angle : player.EyesOri) angle = 0;
   for (float &angle : player.EyesOriTarget) angle = 0;
   player.EyebrowsY = 0;
-  Announce(player, number, announce, 2, 22);
+  Announce(player, number, announce, NP_REPORT_CHARACTER, NP_UPDATE_CHARACTER);
   PlayPartCue(Game.CharacterSample);
 }
 
@@ -58,33 +58,35 @@ static void SetPart(PlayerClass &player, int32_t PlayerClass::*field, size_t cat
                     bool announce, unsigned char reportType, SAMPLE *sample) {
   if (number < -1 || (number >= 0 && (size_t)number >= catalogueSize)) return;
   player.*field = number;
-  Announce(player, number, announce, reportType, (unsigned char)(reportType + 20));
+  Announce(player, number, announce, reportType, (unsigned char)(reportType + NP_REPORT_TO_UPDATE));
   PlayPartCue(sample);
 }
 
 void SetEyes(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::EyesNumber, Game.Eyes.size(), number, announce, 3, Game.EyesSample);
+  SetPart(player, &PlayerClass::EyesNumber, Game.Eyes.size(), number, announce, NP_REPORT_EYES, Game.EyesSample);
 }
 void SetEars(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::EarsNumber, Game.Ears.size(), number, announce, 4, Game.EarsSample);
+  SetPart(player, &PlayerClass::EarsNumber, Game.Ears.size(), number, announce, NP_REPORT_EARS, Game.EarsSample);
 }
 void SetNose(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::NoseNumber, Game.Noses.size(), number, announce, 5, Game.NoseSample);
+  SetPart(player, &PlayerClass::NoseNumber, Game.Noses.size(), number, announce, NP_REPORT_NOSE, Game.NoseSample);
 }
 void SetMouth(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::MouthNumber, Game.Mouths.size(), number, announce, 6, Game.MouthSample);
+  SetPart(player, &PlayerClass::MouthNumber, Game.Mouths.size(), number, announce, NP_REPORT_MOUTH, Game.MouthSample);
 }
 void SetEyebrows(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::EyebrowsNumber, Game.Eyebrows.size(), number, announce, 7, Game.EyebrowsSample);
+  SetPart(player, &PlayerClass::EyebrowsNumber, Game.Eyebrows.size(),
+          number, announce, NP_REPORT_EYEBROWS, Game.EyebrowsSample);
 }
 void SetMoustache(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::MoustacheNumber, Game.Moustaches.size(), number, announce, 8, Game.MoustacheSample);
+  SetPart(player, &PlayerClass::MoustacheNumber, Game.Moustaches.size(),
+          number, announce, NP_REPORT_MOUSTACHE, Game.MoustacheSample);
 }
 void SetFeet(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::FeetNumber, Game.Feet.size(), number, announce, 9, Game.FeetSample);
+  SetPart(player, &PlayerClass::FeetNumber, Game.Feet.size(), number, announce, NP_REPORT_FEET, Game.FeetSample);
 }
 void SetHat(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::HatNumber, Game.Hats.size(), number, announce, 10, Game.HatSample);
+  SetPart(player, &PlayerClass::HatNumber, Game.Hats.size(), number, announce, NP_REPORT_HAT, Game.HatSample);
 }
 
 // ---- Face motion ----------------------------------------------------------
@@ -109,14 +111,15 @@ static void NewEyeTarget(PlayerClass &player, int axis, unsigned char packetType
 // The eyebrows lift to `y`, and a server tells its clients.
 static void LiftEyebrows(PlayerClass &player, float y) {
   player.EyebrowsY = y;
-  if (Game.Mode == GAME_MODE_SERVER) NP_SendPacket(NP_TO_ALL, 33, "%d,%f", player.PlayerId, (double)y);
+  if (Game.Mode == GAME_MODE_SERVER)
+    NP_SendPacket(NP_TO_ALL, NP_UPDATE_EYEBROWS_Y, "%d,%f", player.PlayerId, (double)y);
 }
 
 void UpdateFaceMotion(PlayerClass &player, int (*random)()) {
   // A client draws no random numbers: its targets come from the server.
   const bool client = Game.Mode == GAME_MODE_CLIENT;
-  if (!client && random() % 150 == 0) NewEyeTarget(player, 0, 31, random);
-  if (!client && random() % 200 == 0) NewEyeTarget(player, 1, 32, random);
+  if (!client && random() % 150 == 0) NewEyeTarget(player, 0, NP_UPDATE_EYES_ORI_X, random);
+  if (!client && random() % 200 == 0) NewEyeTarget(player, 1, NP_UPDATE_EYES_ORI_Y, random);
   StepTowards(player.EyesOri[0], player.EyesOriTarget[0]);
   StepTowards(player.EyesOri[1], player.EyesOriTarget[1]);
   if (!client && random() % 400 == 0) LiftEyebrows(player, 1.5f);

@@ -32,6 +32,26 @@ void AddPatch(MS3DWriter &w, float x, float y, int8_t material) {
   }
 }
 
+// A unit square facing +z, centred on (x, y, 0), in a group of its own.
+void AddSquare(MS3DWriter &w, float x, float y, int8_t material) {
+  uint16_t base = uint16_t(w.Vertices.size());
+  const float corners[4][2] = {{-0.5f, -0.5f}, {0.5f, -0.5f}, {0.5f, 0.5f}, {-0.5f, 0.5f}};
+  for (const auto &c : corners) w.Vertices.push_back({0, {x + c[0], y + c[1], 0}, 0});
+  msGroup &g = w.Groups.emplace_back();
+  g.MaterialIndex = material;
+  const int halves[2][3] = {{0, 1, 2}, {0, 2, 3}};
+  for (const auto &half : halves) {
+    msTriangle tri;
+    for (int c = 0; c < 3; c++) {
+      tri.VertexIndices[c] = uint16_t(base + half[c]);
+      tri.VertexNormals[c][2] = 1;
+      tri.S[c] = corners[half[c]][0] + 0.5f, tri.T[c] = corners[half[c]][1] + 0.5f;
+    }
+    g.TriangleIndices.push_back(uint16_t(w.Triangles.size()));
+    w.Triangles.push_back(tri);
+  }
+}
+
 bool Load(ModelClass &model, const MS3DWriter &w) {
   return w.Save((kDir + "/m.ms3d").c_str()) && model.Load((kDir + "/m.ms3d").c_str());
 }
@@ -110,6 +130,61 @@ TEST(ModelRender, FramesAndClock) {
             make_tuple(false, 1, 0.0f, GLboolean(1)));
   ExpectPixels({{0, 0, kWhite}, {0.6f, 0, kBlack}});
   model.Unload();
+}
+
+// The lists of an animated model share what keeps its shape. Above, two
+// still squares and between them one that the slide carries with half the
+// weight, so it shrinks towards the origin; in the middle, one that the
+// slide carries whole; below, one stretched between a still side and a
+// sliding side, one that a second joint (bound a quarter turned) turns a
+// quarter about its foot, and a still one. Both lists of a frame draw it.
+TEST(ModelRender, SharedListsInEveryFrame) {
+  MS3DWriter w;
+  w.AnimationFps = 8;
+  w.Joints.emplace_back().PositionKeys = {{0, {-2, 0, 0}}, {29.0f / 8, {2, 0, 0}}};
+  const float quarter = 1.5707964f;
+  // Named apart: an empty parent name would find a joint named "".
+  strcpy(w.Joints[0].Name, "slide");
+  msJoint &turn = w.Joints.emplace_back();
+  strcpy(turn.Name, "turn");
+  turn.Position[0] = -3, turn.Position[1] = -2.5f, turn.Rotation[2] = quarter;
+  turn.RotationKeys = {{0, {0, 0, 0}}, {29.0f / 8, {0, 0, quarter}}};
+  const int8_t none = -1, slide = 0, turned = 1;
+  const struct {
+    float X, Y;
+    int8_t Left, Right;
+    uint8_t Weight;
+  } squares[] = {{-3, 2, none, none, 0}, {3, 2, none, none, 0},    {0, 2, slide, slide, 50},   {0, 0, slide, slide, 0},
+                 {0, -2, none, slide, 0}, {-3, -2, turned, turned, 0}, {3, -2, none, none, 0}};
+  for (const auto &q : squares) {
+    AddSquare(w, q.X, q.Y, -1);
+    // AddSquare's corners run lower left, lower right, upper right, upper left.
+    for (int c = 0; c < 4; c++) {
+      msVertex &v = w.Vertices[w.Vertices.size() - 4 + size_t(c)];
+      v.BoneId = c == 1 || c == 2 ? q.Right : q.Left;
+      v.BoneWeights[0] = q.Weight;
+    }
+  }
+  ModelClass model;
+  ASSERT_TRUE(Load(model, w)) << model.Error;
+  EXPECT_EQ(model.ListCount(), 60);
+  for (GLuint list : {0u, 1u, 58u, 59u}) {
+    SCOPED_TRACE(list);
+    BeginScene(false);
+    glCallList(model.ListBase + list);
+    const bool last = list >= 58;
+    const float x = last ? 2.0f : -2.0f;
+    ExpectPixels({{-3, 2, kWhite}, {3, 2, kWhite}, {3, -2, kWhite}, {x, 0, kWhite}, {-x, 0, kBlack},
+                  {last ? 1.5f : -1.0f, -2, kWhite}, {last ? -1.0f : 1.5f, -2, kBlack},
+                  {-3, -1.8f, last ? kBlack : kWhite}, {-3.6f, -2.4f, last ? kWhite : kBlack}, {x / 2, 1, kWhite},
+                  {-x / 2, 1, kBlack}});
+  }
+  // Two runs of still squares and the two carried whole have shared lists,
+  // which go with the others.
+  GLuint base = model.ListBase;
+  EXPECT_TRUE(glIsList(base + 60) && glIsList(base + 63));
+  model.Unload();
+  EXPECT_FALSE(glIsList(base + 60) || glIsList(base + 63));
 }
 
 TEST(ModelRender, TurnsLightAndMaterials) {
