@@ -77,9 +77,7 @@ ButtonSizeClass RVK_ButtonSize(int width, int height, int textWidth, int textHei
 }
 
 void ButtonClass::SetSize(int width, int height) {
-  int tw = RVK_FontStandard != nullptr ? text_length(RVK_FontStandard, Caption.c_str()) : 0;
-  int th = RVK_FontStandard != nullptr ? text_height(RVK_FontStandard) : 0;
-  ButtonSizeClass s = RVK_ButtonSize(width, height, tw, th);
+  ButtonSizeClass s = RVK_ButtonSize(width, height, RVK_TextLength(Caption.c_str()), RVK_TextHeight());
   Width = s.Width;
   Height = s.Height;
   IconX = s.IconX;

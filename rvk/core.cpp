@@ -2,6 +2,7 @@
 // arrow, tooltips, the palette, fonts, sound volume, the error log and the
 // library's own datafile.
 #include "rvk/core.h"
+#include <algorithm>
 #include <alleggl.h>
 #include <GL/gl.h>
 #include <GL/glu.h>
@@ -98,18 +99,22 @@ void *RVK_GetDatafileObject(const char *name) {
 
 // ---- Start and end ----
 
+// Allegro's text mode, which takes the GL window down.
+static void LeaveGraphicsMode() {
+  set_gfx_mode(GFX_TEXT, 80, 25, 0, 0);
+}
+
 static void LoadIcons() {
   BITMAP *blank = create_bitmap(32, 32);
   if (blank != nullptr) {
-    clear_to_color(blank, makecol(255, 255, 255));
+    clear_to_color(blank, RVK_Palette.White);
     RVK_AddIcon(blank, "(no texture)");
     destroy_bitmap(blank);
   }
   DATAFILE *data = RVK_LoadDatafile(DatafileName);
   if (data != nullptr) {
-    for (int i = 0; data[i].type != DAT_END; i++) {
-      if (data[i].type == DAT_BITMAP)
-        RVK_AddIcon((BITMAP *)data[i].dat, get_datafile_property(&data[i], DAT_NAME));
+    for (DATAFILE *object = data; object->type != DAT_END; object++) {
+      if (object->type == DAT_BITMAP) RVK_AddIcon((BITMAP *)object->dat, get_datafile_property(object, DAT_NAME));
     }
     unload_datafile(data);
   }
@@ -119,9 +124,8 @@ static void LoadIcons() {
 }
 
 static void OpenFrameTrace() {
-  if (FrameTrace != nullptr) return;
   const char *name = std::getenv("TUMBLEKIN_FRAME_TRACE");
-  if (name != nullptr && name[0] != 0) FrameTrace = std::fopen(name, "a");
+  if (name != nullptr) FrameTrace = std::fopen(name, "a");
   FrameReleased = RVK_ClockMicroseconds();
 }
 
@@ -130,10 +134,10 @@ bool RVK_Init(int width, int height, int depth, bool windowed, int framesPerSeco
 
   allegro_gl_clear_settings();
   allegro_gl_set(AGL_COLOR_DEPTH, depth);
-  allegro_gl_set(AGL_DOUBLEBUFFER, 1);
-  allegro_gl_set(AGL_Z_DEPTH, 24);
-  allegro_gl_set(AGL_WINDOWED, windowed ? -1 : 0);
-  allegro_gl_set(AGL_RENDERMETHOD, 1);
+  allegro_gl_set(AGL_DOUBLEBUFFER, TRUE);
+  allegro_gl_set(AGL_Z_DEPTH, RVK_DepthBits);
+  allegro_gl_set(AGL_WINDOWED, windowed ? TRUE : FALSE);
+  allegro_gl_set(AGL_RENDERMETHOD, TRUE);
   allegro_gl_set(AGL_SUGGEST, AGL_COLOR_DEPTH | AGL_DOUBLEBUFFER | AGL_Z_DEPTH | AGL_RENDERMETHOD |
                                   (windowed ? AGL_WINDOWED : AGL_FULLSCREEN));
   // Allegro's own colour depth decides what makecol answers and what depth
@@ -146,16 +150,15 @@ bool RVK_Init(int width, int height, int depth, bool windowed, int framesPerSeco
   In2D = false;
   ClipOn = false;
 
+  // Filled polygons with counter-clockwise front faces are GL's own defaults.
   glShadeModel(GL_FLAT);
-  glPolygonMode(GL_FRONT, GL_FILL);
   glEnable(GL_CULL_FACE);
-  glFrontFace(GL_CCW);
 
   // Something other than a font under that name is as good as none.
   FONT *font = (FONT *)ReadDatafileObject("_font_standard", DAT_FONT);
   if (font == nullptr) {
     allegro_message("Unable to read standard font from datafile");
-    set_gfx_mode(GFX_TEXT, 80, 25, 0, 0);
+    LeaveGraphicsMode();
     return false;
   }
   RVK_FontStandard = allegro_gl_convert_allegro_font_ex(font, AGL_FONT_TYPE_TEXTURED, -1.0f, GL_ALPHA8);
@@ -191,10 +194,10 @@ void RVK_Shutdown() {
     allegro_message("RVK generated 1 or more error messages, view \"%s\" for details", ErrorLogName);
   FONT **fonts[3] = {&RVK_FontStandard, &RVK_FontMedium, &RVK_FontSmall};
   for (FONT **slot : fonts) {
-    if (*slot != nullptr) allegro_gl_destroy_font(*slot);
+    allegro_gl_destroy_font(*slot);
     *slot = nullptr;
   }
-  set_gfx_mode(GFX_TEXT, 80, 25, 0, 0);
+  LeaveGraphicsMode();
   if (FrameTrace != nullptr) {
     std::fclose(FrameTrace);
     FrameTrace = nullptr;
@@ -236,18 +239,13 @@ void RVK_SetClearColour(int colour) {
 }
 
 void RVK_PlaceTooltip(int &x, int &y, int textWidth, int textHeight, int sw, int sh) {
-  int tw = textWidth + 4;
-  int th = textHeight + 4;
-  if (x + tw >= sw) x = sw - tw;
-  if (y + th >= sh) y = sh - th;
-  if (x < 0) x = 0;
-  if (y < 0) y = 0;
+  x = std::max(std::min(x, sw - textWidth - 4), 0);
+  y = std::max(std::min(y, sh - textHeight - 4), 0);
 }
 
 static void DrawTooltip(const TooltipRecord &tip) {
-  if (RVK_FontStandard == nullptr) return;
-  int tw = text_length(RVK_FontStandard, tip.Text.c_str()) + 4;
-  int th = text_height(RVK_FontStandard) + 4;
+  int tw = RVK_TextLength(tip.Text.c_str()) + 4;
+  int th = RVK_TextHeight() + 4;
   int x = tip.X, y = tip.Y;
   RVK_PlaceTooltip(x, y, tw - 4, th - 4, SCREEN_W, SCREEN_H);
   RVK_DrawRect(x + 8, y + 8, x + tw + 8, y + th + 8, RVK_Palette.Black, true, 128);
@@ -257,9 +255,7 @@ static void DrawTooltip(const TooltipRecord &tip) {
 
 // One arrow of the pointer: a head and a stem, blended.
 static void DrawArrow(int x, int y, int colour, int alpha) {
-  glEnable(GL_BLEND);
-  glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-  glColor4ub(getr(colour), getg(colour), getb(colour), alpha);
+  RVK_BeginBlend(colour, alpha);
   glBegin(GL_POLYGON);
   glVertex2i(x, y + 10);
   glVertex2i(x + 8, y + 10);
@@ -271,8 +267,7 @@ static void DrawArrow(int x, int y, int colour, int alpha) {
   glVertex2i(x + 5, y + 10);
   glVertex2i(x + 2, y + 10);
   glEnd();
-  glDisable(GL_BLEND);
-  glColor3f(1, 1, 1);
+  RVK_EndBlend();
 }
 
 static void DrawPointer(int style) {
@@ -281,7 +276,7 @@ static void DrawPointer(int style) {
     bool held = (mouse_b & 3) != 0;
     int offset = held ? 3 : 6;
     DrawArrow(mx + offset, my + offset, RVK_Palette.Black, 128);
-    DrawArrow(mx, my, held ? RVK_Palette.Yellow : RVK_Palette.White, 255);
+    DrawArrow(mx, my, held ? RVK_Palette.Yellow : RVK_Palette.White, RVK_Opaque);
     return;
   }
   int index;
@@ -292,7 +287,7 @@ static void DrawPointer(int style) {
     default: return;
   }
   TextureClass icon = RVK_GetIconByIndex(index);
-  RVK_DrawTexture(icon, mx - icon.CentreX, my - icon.CentreY, 0, true, 255);
+  RVK_DrawTexture(icon, mx - icon.CentreX, my - icon.CentreY, 0, true, RVK_Opaque);
 }
 
 void RVK_End2D(int pointerStyle) {
@@ -362,10 +357,7 @@ bool RVK_MouseIn(int x1, int y1, int x2, int y2) {
 
 void RVK_ShowTooltip(int x, int y, const char *format, ...) {
   char text[512];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(text, sizeof(text), format, args);
-  va_end(args);
+  RVK_FORMAT(text, format);
   TooltipRecord tip;
   tip.Text = text;
   tip.X = x;
@@ -387,10 +379,7 @@ void RVK_PlaySample(SAMPLE *sample) {
 
 void RVK_LogError(const char *format, ...) {
   char text[256];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(text, sizeof(text), format, args);
-  va_end(args);
+  RVK_FORMAT(text, format);
   FILE *log = std::fopen(ErrorLogName, "a");
   if (log == nullptr) {
     allegro_message(
