@@ -1,6 +1,7 @@
 // ButtonClass: the push button with a picture, an optional caption and an
 // optional hot key, drawn and polled in one Run per frame.
 #include "rvk/button.h"
+#include <algorithm>
 #include <GL/gl.h>
 #include "rvk/core.h"
 #include "rvk/draw.h"
@@ -37,24 +38,19 @@ bool RVK_CreateButtonEx(ButtonClass &button, const char *caption, TextureClass i
   button.KeyWaitClear = true;
   button.KeyWaitUp = true;
   button.KeyDown = false;
-  if (separator && icon.TextureName == RVK_GetDefaultIcon().TextureName) {
-    RVK_LogError("RVK_CreateButtonEx: Seperator buttons must have an icon");
-    // The failed separator still stands in a row as a separator, so it draws
-    // nothing that can be pressed.
-    button.Style = 1;
-    button.Caption.clear();
-    button.KeyName.clear();
-    return false;
-  }
   if (separator) {
     button.Style = 1;
     button.Caption.clear();
     button.KeyName.clear();
-  } else {
-    button.Style = 0;
-    button.Caption = caption != nullptr ? caption : "";
-    button.KeyName = hotKey != -1 ? RVK_GetKeyName(hotKey) : "";
+    // Without its picture a separator still stands in a row as one, with
+    // nothing on it that can be pressed.
+    if (icon.TextureName != RVK_GetDefaultIcon().TextureName) return true;
+    RVK_LogError("RVK_CreateButtonEx: Seperator buttons must have an icon");
+    return false;
   }
+  button.Style = 0;
+  button.Caption = caption != nullptr ? caption : "";
+  button.KeyName = hotKey != -1 ? RVK_GetKeyName(hotKey) : "";
   return true;
 }
 
@@ -67,7 +63,7 @@ bool RVK_CreateButton(ButtonClass &button, const char *caption, const char *icon
 ButtonSizeClass RVK_ButtonSize(int width, int height, int textWidth, int textHeight) {
   ButtonSizeClass s;
   s.Width = width != -1 ? width : textWidth + 40;
-  s.Height = height != -1 ? height : (textHeight + 2 > 34 ? textHeight + 2 : 34);
+  s.Height = height != -1 ? height : std::max(textHeight + 2, 34);
   // Picture and caption stand centred as one group, 34 apart.
   s.IconX = (s.Width - textWidth - 34) / 2;
   s.CaptionX = s.IconX + 34;

@@ -27,21 +27,15 @@ static const char *const DatafileName = "RVK.dat";
 
 static bool Started = false;
 static bool ErrorLogged = false;
-static bool In2D = false;
-static bool ClipOn = false;
-static int PointerVert = 0;
-static int PointerHoriz = 0;
-static int PointerMove = 0;
+// The frame state and the pointer icons, set by RVK_Init.
+static bool In2D, ClipOn;
+static int PointerVert, PointerHoriz, PointerMove;
 static TimerClass FrameTimer;
 static std::vector<TooltipRecord> Tooltips;
-static unsigned char SampleVolume = 128;
-// The library has no call that turns its own sound on: the game plays its
-// cues itself, so RVK_PlaySample stays silent.
-static bool SoundOn = false;
 
 // The frame trace: a file named by TUMBLEKIN_FRAME_TRACE, one line per frame.
 static FILE *FrameTrace = nullptr;
-static int64_t FrameReleased = 0;
+static int64_t FrameReleased;
 
 // ---- Palette ----
 
@@ -171,12 +165,11 @@ bool RVK_Init(int width, int height, int depth, bool windowed, int framesPerSeco
   RVK_ResetFocus();
   LoadIcons();
 
+  // The mode's new GL context starts with both matrices at identity.
   glViewport(0, 0, width, height);
   glMatrixMode(GL_PROJECTION);
-  glLoadIdentity();
   gluPerspective(48.0, (double)SCREEN_W / (double)SCREEN_H, 1.0, 8192.0);
   glMatrixMode(GL_MODELVIEW);
-  glLoadIdentity();
 
   Started = true;
   ErrorLogged = false;
@@ -367,13 +360,11 @@ void RVK_ShowTooltip(int x, int y, const char *format, ...) {
 
 // ---- Sound ----
 
-void RVK_SetSampleVolume(int volume) {
-  SampleVolume = (unsigned char)(volume & 0xFF);
-}
+// The library has no call that turns its own sound on: the game plays its
+// cues itself. So its samples stay silent and no volume is kept for them.
+void RVK_SetSampleVolume(int) {}
 
-void RVK_PlaySample(SAMPLE *sample) {
-  if (SoundOn && sample != nullptr) play_sample(sample, SampleVolume, 127, 1000, 0);
-}
+void RVK_PlaySample(SAMPLE *) {}
 
 // ---- Error log ----
 

@@ -2,6 +2,7 @@
 // with an optional selection and the scroll bars it manages by itself.
 #include "rvk/listbox.h"
 #include <algorithm>
+#include <iterator>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -211,7 +212,7 @@ void ListBoxClass::UpdateSliders() {
   int longest = 0;
   for (const ListBoxItemClass &item : Items) {
     int length = RVK_TextLength(item.Text.c_str());
-    if (length > longest) longest = length;
+    longest = std::max(longest, length);
   }
   longest += 3;
   // A list without width has no room for a bar.
@@ -231,10 +232,9 @@ void ListBoxClass::Run() {
 
   if (Selectable) {
     Selected = std::max(std::min(Selected, count - 1), 0);
-    if (KeepSelectionVisible) {
-      Selected = std::max(Selected, TopRow);
-      if (Selected >= TopRow + RowsShown && TopRow < count - RowsShown) Selected = TopRow + RowsShown - 1;
-    }
+    // Kept among the rows on show; a selection past them can only be there
+    // while rows beyond them remain.
+    if (KeepSelectionVisible) Selected = std::min(std::max(Selected, TopRow), TopRow + RowsShown - 1);
   }
 
   int boxHeight = (h + 1) * RowsShown + 1;
@@ -260,7 +260,7 @@ void ListBoxClass::Run() {
     }
     const ListBoxItemClass &item = Items[(size_t)i];
     RVK_DrawText(RVK_FontStandard, X - HScroll + 1, ry, colour, item.Text.c_str());
-    int columns = item.ColumnCount < 0 ? 0 : item.ColumnCount > 8 ? 8 : item.ColumnCount;
+    int columns = std::clamp<int>(item.ColumnCount, 0, (int)std::size(item.ColumnTexts));
     for (int c = 0; c < columns; c++)
       RVK_DrawText(RVK_FontStandard, X - HScroll + 1 + item.ColumnOffsets[c], ry, colour,
                    item.ColumnTexts[c].c_str());

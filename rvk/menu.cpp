@@ -12,7 +12,7 @@ MenuPulseClass RVK_MenuPulse;
 // ---- Geometry and pulse ----
 
 MenuRowClass RVK_MenuRow(int index, int mediumHeight, int textHeight, int rowWidth, int textX) {
-  int rh = textHeight > 32 ? textHeight : 32;
+  int rh = std::max(textHeight, 32);
   MenuRowClass row;
   row.Y = mediumHeight + 10 + index * (rh + 8);
   row.X1 = 15;
@@ -51,8 +51,8 @@ void MenuClass::Create(const char *title, const char *footer, const char *topRig
   HelpX = SCREEN_W;
   Selected = 0;
   RowWidth = 320;
-  int h = RVK_TextHeight(RVK_FontStandard);
-  TextX = (h > 32 ? h : 32) + 25;
+  int h = RVK_TextHeight();
+  TextX = std::max(h, 32) + 25;
   PulseTimer.Reset();
   Entries.clear();
   SelectSample = MoveSample = BackSample = nullptr;
@@ -63,8 +63,7 @@ void MenuClass::AddEntry(const char *name, const char *iconName, const char *hel
   entry.Name = name != nullptr ? name : "";
   entry.Help = help != nullptr ? help : "";
   entry.Icon = RVK_GetIcon(iconName);
-  int width = RVK_TextLength(entry.Name.c_str(), RVK_FontStandard) + 96;
-  if (width > RowWidth) RowWidth = width;
+  RowWidth = std::max(RowWidth, RVK_TextLength(entry.Name.c_str()) + 96);
   Entries.push_back(entry);
 }
 
@@ -74,8 +73,8 @@ bool MenuClass::Draw() {
   const PaletteClass &p = RVK_Palette;
   bool clicked = false;
   int mh = RVK_TextHeight(RVK_FontMedium);
-  int h = RVK_TextHeight(RVK_FontStandard);
-  int rh = h > 32 ? h : 32;
+  int h = RVK_TextHeight();
+  int rh = std::max(h, 32);
 
   int mx = mouse_x, my = mouse_y;
   bool moved = mx != LastMouseX || my != LastMouseY;
@@ -124,9 +123,9 @@ bool MenuClass::Draw() {
     }
   }
 
-  RVK_Printf(SCREEN_W - RVK_TextLength(Footer.c_str(), RVK_FontStandard) - 16, SCREEN_H - 50, p.Black, "%s", Footer.c_str());
+  RVK_Printf(SCREEN_W - RVK_TextLength(Footer.c_str()) - 16, SCREEN_H - 50, p.Black, "%s", Footer.c_str());
   if (!FooterLine2.empty())
-    RVK_Printf(SCREEN_W - RVK_TextLength(FooterLine2.c_str(), RVK_FontStandard) - 16, SCREEN_H - 50 + h, p.Black, "%s",
+    RVK_Printf(SCREEN_W - RVK_TextLength(FooterLine2.c_str()) - 16, SCREEN_H - 50 + h, p.Black, "%s",
                FooterLine2.c_str());
   return clicked;
 }

@@ -3,6 +3,7 @@
 #include "rvk/texture.h"
 #include <alleggl.h>
 #include <GL/gl.h>
+#include <algorithm>
 #include <vector>
 #include "rvk/core.h"
 #include "rvk/draw.h"
@@ -119,9 +120,8 @@ void RVK_AddIcon(BITMAP *bitmap, const char *name) {
 
 int RVK_FindIcon(const char *name) {
   if (name == nullptr) return 0;
-  for (size_t i = 0; i < Icons.size(); i++)
-    if (Icons[i].Name == name) return (int)i;
-  return 0;
+  auto found = std::find_if(Icons.begin(), Icons.end(), [&](const IconClass &icon) { return icon.Name == name; });
+  return found != Icons.end() ? (int)(found - Icons.begin()) : 0;
 }
 
 TextureClass RVK_GetIcon(const char *name) {
@@ -131,7 +131,7 @@ TextureClass RVK_GetIcon(const char *name) {
 TextureClass RVK_GetIconByIndex(int index) {
   // An index outside the table gets the default icon, like an unknown name;
   // with no table at all there is only an empty value to give.
-  if (index < 0 || index >= (int)Icons.size()) index = 0;
+  if ((size_t)index >= Icons.size()) index = 0;
   if (Icons.empty()) return TextureClass();
   return Icons[index];
 }
