@@ -16,7 +16,6 @@ void RVK_WaitMouseUp() {
 }
 
 void RVK_WaitKeyUp(int scancode) {
-  if (scancode < 0 || scancode >= KEY_MAX) return;
   while (key[scancode]) rest(0);
 }
 
@@ -142,7 +141,7 @@ bool ButtonClass::Run() {
 
   // A code outside key[] is a key that is never down.
   if (HotKey != -1) {
-    bool down = HotKey >= 0 && HotKey < KEY_MAX && key[HotKey];
+    bool down = (unsigned)HotKey < KEY_MAX && key[HotKey];
     if (HotKeyStep(down)) {
       clear_keybuf();
       Pressed = true;
