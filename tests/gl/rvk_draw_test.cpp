@@ -90,7 +90,7 @@ TEST(Core, FramesPointerClipAndTooltips) {
   GLint depth[2];
   glGetIntegerv(GL_MODELVIEW_STACK_DEPTH, &depth[0]);
   RVK_End2D(1);  // outside 2D: nothing
-  ASSERT_TRUE(TkMovePointer(400, 300));
+  Move(400, 300);
   EXPECT_EQ((J{RVK_MouseIn(400, 300, 400, 300), RVK_MouseIn(401, 0, 500, 500), RVK_MouseIn(0, 301, 500, 500),
               RVK_MouseIn(0, 0, 399, 500), RVK_MouseIn(0, 0, 500, 299)}),
             "1 0 0 0 0");
@@ -118,11 +118,11 @@ TEST(Core, FramesPointerClipAndTooltips) {
   EXPECT_EQ((J{Hex(100, 100), Hex(400, 305)}), "0000FF 0000FF");
 
   // Held, the arrow is yellow and its shadow 3 off.
-  ASSERT_TRUE(TkMouse(true));
+  Press();
   RVK_BeginFrame();
   RVK_End2D(1);
   EXPECT_EQ((J{V(400, 299, 30), H(398, 309, 16), H(398, 316, 16)}), "2b9Y19b 2b8Y6b 7b3Y2?4b");
-  ASSERT_TRUE(TkMouse(false));
+  Press(false);
   // Styles 2 to 4 draw their icon centred on the pointer; others nothing.
   const char *styles[] = {"vert", "horiz", "move"};
   for (int style = 2; style <= 5; style++) {

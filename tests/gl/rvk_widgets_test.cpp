@@ -37,7 +37,7 @@ auto Once(Call call) -> decltype(call()) {
 // Presses mouse button 1, lets it go after `pause` seconds, runs the call.
 template <class Call>
 auto Click(Call call, std::string pause = "0.1") -> decltype(call()) {
-  EXPECT_TRUE(TkMouse(true));
+  Press();
   TkLater("sleep " + pause + "; xdotool mouseup 1");
   return Once(call);
 }
@@ -55,13 +55,13 @@ TEST(Widgets, Buttons) {
   text.SetSize(-1, -1);
   auto run = [&] { return separator.Run() || b.Run() || text.Run(); };
   // At rest; the captioned button raised at alpha 255 x 0.8, its caption.
-  ASSERT_TRUE(TkMovePointer(300, 300));
+  Move(300, 300);
   EXPECT_FALSE(Once(run));
   EXPECT_EQ((J{H(98, 116, 38), V(116, 98, 38), Hex(199, 120), H(198, 103, 92), H(236, 116, 10)}),
             "2.12P1?7g13P3. 2.12P1?7g13P3. A9A9A9 1.1?86P1?3. 2P2?6P");
   // Under the pointer (both far edges count): lifted a pixel, a sunken edge
   // at alpha 128, the caption and key as tooltip below.
-  ASSERT_TRUE(TkMovePointer(132, 132));
+  Move(132, 132);
   EXPECT_FALSE(Once(run));
   EXPECT_EQ((J{H(98, 116, 38), Hex(100, 116), Hex(133, 116), H(120, 172, 60), V(122, 151, 25)}),
             "2.1?12H1?7g12H1?2. 363636 8585E9 1.55G4. 2.21G2.");
@@ -74,26 +74,26 @@ TEST(Widgets, Buttons) {
   Click(run);
   ASSERT_TRUE(TkWaitFor([] { return mouse_b == 0; }));
   b.Enabled = true;
-  ASSERT_TRUE(TkMovePointer(132, 100));
+  Move(132, 100);
   int32_t start = RVK_Clock();
   EXPECT_TRUE(Click(run, "0.3"));
   EXPECT_EQ((J{RVK_Clock() - start >= 250, b.Pressed, mouse_b}), "1 1 0");
-  ASSERT_TRUE(TkMouse(true));
+  Press();
   TkLater("sleep 0.3; " + TkMoveCommand(133, 100) + "; sleep 0.5; xdotool mouseup 1");
   start = RVK_Clock();
   EXPECT_FALSE(Once(run));
   EXPECT_EQ((J{RVK_Clock() - start >= 250, b.Pressed, mouse_b & 1}), "1 0 1");
   ASSERT_TRUE(TkWaitFor([] { return mouse_b == 0; }));
-  ASSERT_TRUE(TkMovePointer(403, 116));
+  Move(403, 116);
   EXPECT_FALSE(Click(run));
   // A hot key held as the button is made must go up once; then it fires in
   // the poll after the one that saw it released.
-  ASSERT_TRUE(TkMovePointer(600, 500));
-  ASSERT_TRUE(TkKey("m", KEY_M, true));
+  Move(600, 500);
+  Key("m", KEY_M, true);
   RVK_CreateButtonEx(b, "Go", Block(), 100, 100, KEY_M, false);
   std::string fired;
   for (bool down : {true, false, true, false, false, false}) {
-    ASSERT_TRUE(TkKey("m", KEY_M, down));
+    Key("m", KEY_M, down);
     bool answer = Once(run);
     fired += (J{answer, b.Pressed});
   }
@@ -112,7 +112,7 @@ TEST(Widgets, Toolbar) {
   t.SetStatus("S%d", 1);
   t.X = t.Y = 100;
   auto run = [&] { return t.Run(); };
-  ASSERT_TRUE(TkMovePointer(790, 590));
+  Move(790, 590);
   EXPECT_EQ(Once(run), -1);
   // Buttons 36 apart, the separator 10; the status after 36 a button.
   EXPECT_EQ((J{t.Width, H(98, 140, 130), V(150, 98, 70), H(99, 160, 140), H(204, 146, 12)}),
@@ -120,37 +120,37 @@ TEST(Widgets, Toolbar) {
   // Hovering the strip hints "Drag"; a press takes the toolbar along,
   // hinting where it is; moved away by its owner, it is lost.
   auto hint = [&](int x, int y) { return H(x, y, 90); };
-  ASSERT_TRUE(TkMovePointer(110, 105));
+  Move(110, 105);
   Once(run);
   std::string drag = hint(124, 115);
-  ASSERT_TRUE(TkMouse(true));
+  Press();
   Once(run);
-  ASSERT_TRUE(TkMovePointer(130, 125));
+  Move(130, 125);
   Once(run);
   EXPECT_EQ((J{t.X, t.Y, t.Dragging, drag, hint(144, 135)}), "120 120 1 1T34?44T1d10. 1T61?17T1d10.");
   t.X += 300;
   Once(run);
-  ASSERT_TRUE(TkMouse(false));
+  Press(false);
   EXPECT_EQ((J{t.X, t.Dragging}), "420 0");
   // A fixed toolbar says so while its strip is pressed.
   t.Fixed = true;
   t.X = 100;
-  ASSERT_TRUE(TkMouse(true));
+  Press();
   Once(run);
   std::string fixed = hint(144, 135);
-  ASSERT_TRUE(TkMouse(false));
+  Press(false);
   Once(run);
   EXPECT_EQ((J{fixed, hint(144, 135)}), "1T59?30G 59T1d30.");
   // Off the screen, pressed against its edge, it slides back.
   t.X = -50;
-  ASSERT_TRUE(TkMovePointer(0, 130));
+  Move(0, 130);
   Once(run);
   EXPECT_EQ(t.X, -47);
   // Two buttons fired in one poll: the lower index answers.
   t.Buttons[0].HotKey = KEY_F9;
   std::string answers;
   for (bool down : {false, true, false, false}) {
-    ASSERT_TRUE(TkKey("F9", KEY_F9, down));
+    Key("F9", KEY_F9, down);
     answers += std::to_string(Once(run)) + " ";
   }
   EXPECT_EQ((J{answers, t.Buttons[2].Pressed}), "-1 -1 -1 0  1");
@@ -159,16 +159,16 @@ TEST(Widgets, Toolbar) {
   t.DropDown = true;
   t.HomeX = t.HomeY = 200;
   t.X = t.Y = 1000;
-  ASSERT_TRUE(TkMovePointer(600, 500));
+  Move(600, 500);
   Once(run);
   std::string far = J{t.X, t.Y};
   t.X = t.Y = -10;
   EXPECT_EQ(Once(run), -1);
   EXPECT_EQ((J{far, t.X, t.Y, H(0, 8, 12), V(5, 0, 21)}), "790 581 0 0 1L4P2?2P1D2. 1L3P1?1S7?5P1D2.");
-  ASSERT_TRUE(TkMovePointer(5, 5));
+  Move(5, 5);
   Once(run);
   EXPECT_EQ((J{t.X, t.Y, t.Collapsed, Hex(250, 250)}), "200 200 0 939393");
-  ASSERT_TRUE(TkMovePointer(600, 500));
+  Move(600, 500);
   int answer = Once(run);
   EXPECT_EQ((J{answer, t.Collapsed, Hex(250, 250)}), "-1 1 000000");
   t.Centre();
@@ -200,22 +200,22 @@ TEST(Widgets, PickerBar) {
   // The frame, Up, the rows 66 apart in the clip (the hovered one framed,
   // its name beside it), Down.
   auto run = [&] { return bar.Run(); };
-  ASSERT_TRUE(TkMovePointer(60, 164));
+  Move(60, 164);
   EXPECT_EQ(Once(run), -1);
   EXPECT_EQ((J{V(60, 38, 365), H(0, 100, 140), H(0, 164, 140)}),
             "2.1L1?7P24?3P1?1P1?15b1?47r2P1Y63g1P1Y64g2P64g23P1?17P3?14P1?1P1D2. 2.1?31b1?95r10. 2.1Y125g1Y1g10G");
   // A row pressed is picked at the release, also off the bar by then.
-  ASSERT_TRUE(TkMouse(true));
+  Press();
   TkLater("sleep 0.2; " + TkMoveCommand(600, 300) + "; sleep 0.2; xdotool mouseup 1");
   EXPECT_EQ((J{Once(run), mouse_x}), "1 600");
   // Down twice reaches the last rows, a third changes nothing; Up.
   std::string tops;
   for (int y : {bar.DownButton.Y, bar.DownButton.Y, bar.DownButton.Y, bar.UpButton.Y}) {
-    ASSERT_TRUE(TkMovePointer(60, y + 10));
+    Move(60, y + 10);
     Click(run);
     tops += std::to_string(bar.TopRow);
   }
-  ASSERT_TRUE(TkMovePointer(60, 164));
+  Move(60, 164);
   EXPECT_EQ((J{tops, Click(run)}), "1221 2");
   bar.Free();
   EXPECT_EQ((J{Once(run), bar.Rows.size(), Hex(60, 100)}), "-1 0 000000");
@@ -236,7 +236,7 @@ TEST(Widgets, Menu) {
     menu.PulseTimer.LastClock = RVK_Clock() + 1000;  // no pulse in this frame
     return menu.Run();
   };
-  ASSERT_TRUE(TkMovePointer(790, 300));
+  Move(790, 300);
   EXPECT_EQ(Once(run), -1);
   // Title bar, bands (the selected one blue), icons, bottom strip with the
   // selected entry's pulsing icon; the texts at their places.
@@ -261,14 +261,14 @@ TEST(Widgets, Menu) {
   EXPECT_EQ((J{menu.HelpX, H(99, 590, 5)}), "64 2s2?1s");
   // The pointer takes the selection only as it moves; a click chooses the
   // entry under it.
-  ASSERT_TRUE(TkMovePointer(300, 80));
+  Move(300, 80);
   Once(run);
   simulate_keypress(KEY_DOWN << 8);
   Once(run);
-  ASSERT_TRUE(TkMouse(true));
+  Press();
   int still = Once(run);
-  ASSERT_TRUE(TkMouse(false));
-  ASSERT_TRUE(TkMovePointer(301, 80));
+  Press(false);
+  Move(301, 80);
   EXPECT_EQ((J{still, menu.Selected, Click(run)}), "-1 2 1");
   menu.PulseTimer.LastClock = RVK_Clock() - 30;
   Once([&] { return menu.Draw(); });
@@ -290,7 +290,7 @@ TEST(Widgets, TextFields) {
     return 0;
   };
   // With the caret on: box, label, count, text, caret; a read-only field's grey.
-  ASSERT_TRUE(TkMovePointer(10, 10));
+  Move(10, 10);
   ASSERT_TRUE(TkWaitFor([] { return RVK_Clock() % 1000 < 300; }));
   Once(run);
   EXPECT_EQ((J{H(98, 109, 64), V(102, 80, 67), H(700, 209, 8)}),
@@ -304,7 +304,7 @@ TEST(Widgets, TextFields) {
             "abcd 4 1 fixed 1 1");
   // A click gives the focus. Typed past the width, the first character
   // shown moves on by one a frame until the text before the caret fits.
-  ASSERT_TRUE(TkMovePointer(110, 305));
+  Move(110, 305);
   Click(run);
   for (int i = 0; i < 8; i++) simulate_keypress(KEY_W << 8 | 'W');
   std::string firsts;
@@ -330,7 +330,7 @@ TEST(Widgets, ListBox) {
   list.GetItem(2).ColumnTexts[0] = "unseen";
   list.Selected = 9;
   auto run = [&] { return list.Run(), 0; };
-  ASSERT_TRUE(TkMovePointer(600, 500));
+  Move(600, 500);
   Once(run);
   // The box, rows and their column, both bars, the selection in range.
   EXPECT_EQ((J{list.Selected, V(150, 98, 68), H(98, 108, 14), H(380, 108, 28), H(299, 125, 8), H(290, 144, 60), V(250, 151, 19)}),
@@ -341,7 +341,7 @@ TEST(Widgets, ListBox) {
   // Clicks at the edges of the rows' rectangles: left, top, right of row
   // 1 (the bar's width off), then inside row 2.
   for (auto [x, y] : {std::pair{101, 117}, {383, 133}, {150, 139}, {-150, 139}, {150, 139}}) {
-    ASSERT_TRUE(TkMovePointer(std::abs(x), y));
+    Move(std::abs(x), y);
     rest(x < 0 ? 400 : 0);
     Click(run, "0");
     clicks += (J{list.Selected, list.Activated, list.LastClicked}) + ",";
@@ -375,27 +375,27 @@ TEST(Widgets, Sliders) {
   };
   // Troughs, knobs at their values, the label with the value and the
   // tooltip by the pointer; nothing to adjust draws only the trough.
-  ASSERT_TRUE(TkMovePointer(150, 107));
+  Move(150, 107);
   Once(run);
   EXPECT_EQ((J{H(98, 107, 205), V(407, 98, 205), H(98, 207, 205), H(98, 124, 8), V(165, 110, 40)}),
             "2P1t179d1T19K1k2P 2P1T49K1k149d1l2P 2P1t199d1l2P 4P2?1P1? 4d1l9P21?5P");
   std::string values;
   for (auto [x, y] : {std::pair{100, 107}, {110, 107}, {200, 107}, {300, 107}, {407, 250}, {150, 207}}) {
-    ASSERT_TRUE(TkMovePointer(x, y));
-    ASSERT_TRUE(TkMouse(true));
+    Move(x, y);
+    Press();
     Once(run);
-    ASSERT_TRUE(TkMouse(false));
+    Press(false);
     values += (J{value, level}) + ",";
   }
   EXPECT_EQ(values, "0 0,0 0,5 0,10 0,10 2,10 2,");
 }
 
 TEST(Widgets, MessageBoxAndTextViewer) {
-  ASSERT_TRUE(TkMovePointer(10, 590));
+  Move(10, 590);
   alarm(60);  // a box that never closes fails the test instead of hanging it
   // Enter held as the box opens must first go up once. The last frame: the
   // box centred.
-  ASSERT_TRUE(TkKey("Return", KEY_ENTER, true));
+  Key("Return", KEY_ENTER, true);
   TkLater("sleep 0.4; xdotool keyup Return");
   Enter("0.7", "0.2");
   int32_t start = RVK_Clock();

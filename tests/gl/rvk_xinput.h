@@ -11,6 +11,12 @@
 #include "support/gl_env.h"
 #include "support/xinput.h"
 
+// The X input steps of the library's tests, each a failure unless Allegro
+// sees it.
+inline void Move(int x, int y) { EXPECT_TRUE(TkMovePointer(x, y)) << x << "," << y; }
+inline void Press(bool down = true) { EXPECT_TRUE(TkMouse(down)); }
+inline void Key(const char *name, int code, bool down) { EXPECT_TRUE(TkKey(name, code, down)) << name; }
+
 // Allegro's messages open xmessage, which waits for a click: the library's
 // tests have one of their own that answers at once. Allegro prints the
 // message as well.
