@@ -4,6 +4,9 @@
 #include <allegro.h>
 #include <cstring>
 #include <strings.h>
+#include <unistd.h>
+#include "rvk/core.h"
+#include "rvk/filecheck.h"
 
 ConfigClass Config;
 bool SoundOn = false;
@@ -14,25 +17,42 @@ std::string ScanConfigOption(int argc, const char *const argv[], const char *def
   std::string name = defaultName ? defaultName : "";
   for (int i = 1; i < argc; i++) {
     const char *arg = argv[i];
-    if (!arg || arg[0] != '-' || strcasecmp(arg, "-config") != 0) continue;
+    if (arg[0] != '-' || strcasecmp(arg, "-config") != 0) continue;
     // "-config" as the very last argument names no file: it is ignored like
     // any other stray argument, and the file chosen so far stays.
-    if (i + 1 >= argc || !argv[i + 1]) break;
+    if (i + 1 >= argc) break;
     name = argv[i + 1];
     // The scan goes on with the value itself, which a later option may follow.
   }
   return name;
 }
 
+// Without a desktop to ask, a window of this size is what the program opens.
+static const int FALLBACK_WIDTH = 800;
+static const int FALLBACK_HEIGHT = 600;
+
+// The desktop's size is the most a display offers: a window beyond it can't
+// be seen whole, X waits for ever to map one beyond its own limits, and the
+// software renderer runs out of memory for one far beyond. A size that isn't
+// positive (0 also stands for text that is no number) or exceeds the desktop
+// is replaced by the desktop's size, which is also what a missing key gives.
+static int32_t ReadScreenSize(const char *key, int desktopSize) {
+  int value = get_config_int("video", key, desktopSize);
+  if (value >= 1 && value <= desktopSize) return value;
+  RVK_LogError("Settings: \"%s = %s\" is no size this display can show; %d is used instead", key,
+               get_config_string("video", key, ""), desktopSize);
+  return desktopSize;
+}
+
 void LoadConfig(ConfigClass &config) {
-  int desktopWidth = 800, desktopHeight = 600;
+  int desktopWidth, desktopHeight;
   if (get_desktop_resolution(&desktopWidth, &desktopHeight) != 0) {
-    desktopWidth = 800;
-    desktopHeight = 600;
+    desktopWidth = FALLBACK_WIDTH;
+    desktopHeight = FALLBACK_HEIGHT;
   }
-  set_config_file(config.ConfigFileName.c_str());
-  config.ScreenWidth = get_config_int("video", "width", desktopWidth);
-  config.ScreenHeight = get_config_int("video", "height", desktopHeight);
+  RVK_SetConfigFile(config.ConfigFileName.c_str());
+  config.ScreenWidth = ReadScreenSize("width", desktopWidth);
+  config.ScreenHeight = ReadScreenSize("height", desktopHeight);
   config.ColourDepth = get_config_int("video", "bpp", 32);
   config.Windowed = get_config_int("video", "window", 0) != 0;
   config.SoundEnabled = get_config_int("sound", "enabled", 1) != 0;
@@ -43,9 +63,9 @@ void LoadConfig(ConfigClass &config) {
   config.RemoteServerPort = get_config_string("network", "RemoteServerPort", "8030");
 }
 
-void SaveConfig(ConfigClass &config) {
+bool SaveConfig(ConfigClass &config) {
   // The catalogues were the current configuration since LoadGame: select ours again.
-  set_config_file(config.ConfigFileName.c_str());
+  RVK_SetConfigFile(config.ConfigFileName.c_str());
   set_config_int("video", "width", config.ScreenWidth);
   set_config_int("video", "height", config.ScreenHeight);
   set_config_int("video", "bpp", config.ColourDepth);
@@ -57,4 +77,7 @@ void SaveConfig(ConfigClass &config) {
   set_config_string("network", "RemoteServerAddress", config.RemoteServerAddress.c_str());
   set_config_string("network", "RemoteServerPort", config.RemoteServerPort.c_str());
   flush_config_file();
+  // Allegro drops a file it can't write without a word: one that isn't there
+  // to be written now wasn't written either.
+  return access(config.ConfigFileName.c_str(), W_OK) == 0;
 }

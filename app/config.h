@@ -23,7 +23,8 @@ extern ConfigClass Config;
 extern bool SoundOn;
 
 void LoadConfig(ConfigClass &config);
-void SaveConfig(ConfigClass &config);
+// Answers false when the file could not be written.
+bool SaveConfig(ConfigClass &config);
 // The settings file named by the arguments: the last "-config NAME" wins.
 // The GUI's sample volume takes the low 8 bits of the setting; the game's own
 // cues get the whole value.

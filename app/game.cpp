@@ -1,5 +1,7 @@
 // GameClass: the roster operations, the view reset and the front-end backdrop.
 #include "app/game.h"
+#include <algorithm>
+#include <iterator>
 #include "app/parts.h"
 #include "rvk/console.h"
 #include "rvk/draw.h"
@@ -28,7 +30,6 @@ static PlayerClass *RecordAt(std::vector<PlayerClass> &players, int number) {
 }
 
 void GameClass::SetPlayerCount(int count, bool repoint) {
-  if (count < 0) count = 0;
   Players.resize((size_t)count);
   if (repoint) LocalPlayer = RecordAt(Players, LocalPlayerNumber);
 }
@@ -62,10 +63,10 @@ void GameClass::ResetView() {
   IdleYawTarget = 0;
   // The camera's Z creeps towards 0 until the idle motion picks its first target.
   IdleCameraZTarget = 0;
-  ViewAngles[0] = ViewAngles[1] = ViewAngles[2] = 0;
+  for (float &angle : ViewAngles) angle = 0;
   if (!LocalPlayer || !LocalPlayer->Character) return;
   const CharacterEntry &entry = *LocalPlayer->Character;
-  for (int i = 0; i < 3; i++) CameraPosition[i] = entry.CameraPos[i];
+  std::copy(std::begin(entry.CameraPos), std::end(entry.CameraPos), CameraPosition);
   if (Mode == GAME_MODE_SERVER)
     Toolbar.SetTitle("%s (server mode)", entry.Name.c_str());
   else if (Mode == GAME_MODE_CLIENT)

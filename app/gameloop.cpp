@@ -3,7 +3,12 @@
 // idle motion, at the frame rate the library was started with.
 #include <allegro.h>
 #include <GL/gl.h>
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include "app/game.h"
 #include "app/parts.h"
 #include "app/scene.h"
@@ -40,10 +45,8 @@ void IdleMotionStep(GameClass &game, int (*random)()) {
     game.IdleYaw -= 0.25f;
   else if (game.IdleYaw < game.IdleYawTarget)
     game.IdleYaw += 0.25f;
-  if (random() % 100 == 0) {
-    float bodyZ = (game.LocalPlayer && game.LocalPlayer->Character) ? game.LocalPlayer->Character->CameraPos[2] : 0;
-    game.IdleCameraZTarget = (float)(random() % 64) + bodyZ - 32.0f;
-  }
+  if (random() % 100 == 0)
+    game.IdleCameraZTarget = (float)(random() % 64) + game.LocalPlayer->Character->CameraPos[2] - 32.0f;
   // Summed in 32-bit float: the Z may never meet its target exactly and then
   // jitters around it by one step.
   if (game.CameraPosition[2] > game.IdleCameraZTarget)
@@ -55,12 +58,11 @@ void IdleMotionStep(GameClass &game, int (*random)()) {
 // Catalogues that shrank take a part number beyond their end back to their
 // first entry, which a successful load always has; "none" (-1) stays none.
 static void ClampPart(int32_t &number, size_t size) {
-  if (number >= 0 && (size_t)number >= size) number = 0;
+  if (number >= (int32_t)size) number = 0;
 }
 
 void RepointAfterReload(GameClass &game) {
-  for (size_t i = 0; i < game.Players.size(); i++) {
-    PlayerClass &p = game.Players[i];
+  for (PlayerClass &p : game.Players) {
     ClampPart(p.EyesNumber, game.Eyes.size());
     ClampPart(p.EarsNumber, game.Ears.size());
     ClampPart(p.NoseNumber, game.Noses.size());
@@ -73,39 +75,52 @@ void RepointAfterReload(GameClass &game) {
     // The other records of a client belong to their owners: their numbers
     // are kept (only drawn from body 0 when this catalogue lacks theirs), no
     // cue plays and their faces go on, since nothing about them changed.
-    if (p.CharacterNumber < 0 || (size_t)p.CharacterNumber >= game.Characters.size()) p.CharacterNumber = 0;
-    p.Character = game.Characters.empty() ? nullptr : &game.Characters[(size_t)p.CharacterNumber];
+    if ((size_t)p.CharacterNumber >= game.Characters.size()) p.CharacterNumber = 0;
+    p.Character = &game.Characters[(size_t)p.CharacterNumber];
   }
 }
 
 // ---- Frame pieces ---------------------------------------------------------
 
-enum { BUTTON_RELOAD = 10, BUTTON_EXIT = 12 };
+// The toolbar of the game screen; a null caption is a separator, which takes
+// an index like a button. Buttons 0 to 8 show the picker bar of that index.
+struct ToolbarEntry {
+  const char *Caption, *Icon;
+  int HotKey;
+};
+const ToolbarEntry TOOLBAR[] = {
+    {"Characters", "character", -1}, {"Eyes", "eyes", -1},         {"Ears", "ears", -1},
+    {"Noses", "nose", -1},           {"Mouths", "mouth", -1},      {"Eyebrows", "eyebrows", -1},
+    {"Moustaches", "moustache", -1}, {"Feet", "feet", -1},         {"Hats", "hat", -1},
+    {nullptr, nullptr, -1},          {"Reload Data", "refresh", KEY_F5}, {nullptr, nullptr, -1},
+    {"Exit", "exit", KEY_ESC},
+};
+enum { BUTTON_LAST_BAR = 8, BUTTON_RELOAD = 10, BUTTON_EXIT = 12 };
 
 static void CreateToolbar(ToolbarClass &toolbar) {
   toolbar.Create(0, 0, false);
-  toolbar.AddButton("Characters", "character", -1);
-  toolbar.AddButton("Eyes", "eyes", -1);
-  toolbar.AddButton("Ears", "ears", -1);
-  toolbar.AddButton("Noses", "nose", -1);
-  toolbar.AddButton("Mouths", "mouth", -1);
-  toolbar.AddButton("Eyebrows", "eyebrows", -1);
-  toolbar.AddButton("Moustaches", "moustache", -1);
-  toolbar.AddButton("Feet", "feet", -1);
-  toolbar.AddButton("Hats", "hat", -1);
-  toolbar.AddSeparator();
-  toolbar.AddButton("Reload Data", "refresh", KEY_F5);
-  toolbar.AddSeparator();
-  toolbar.AddButton("Exit", "exit", KEY_ESC);
+  for (const ToolbarEntry &e : TOOLBAR) {
+    if (e.Caption)
+      toolbar.AddButton(e.Caption, e.Icon, e.HotKey);
+    else
+      toolbar.AddSeparator();
+  }
 }
 
-// Answers false when the game can't go on. A reload that fails has left the
-// catalogues empty (LoadGame releases all on a failure), and with no body
-// nothing can be drawn or picked: the user is told why and the game ends.
+// The catalogues come back in pieces of other sizes than the ones they
+// freed, and the C library keeps freed pages for itself; handing them back
+// keeps a session that reloads again and again at the memory of one load.
+static void ReleaseFreedMemory() {
+#ifdef __GLIBC__
+  malloc_trim(0);
+#endif
+}
+
+// Answers false when the game can't go on: the user has been told why.
 static bool ReloadData(GameClass &game) {
   UnloadGame(game);
-  if (!LoadGame(game) || game.Characters.empty()) {
-    for (size_t i = 0; i < game.Players.size(); i++) game.Players[i].Character = nullptr;
+  ReleaseFreedMemory();
+  if (!LoadGame(game)) {
     RVK_MessageBox("%s", game.LoadError.c_str());
     return false;
   }
@@ -115,30 +130,23 @@ static bool ReloadData(GameClass &game) {
   return true;
 }
 
+// The set-part operation of each picker bar, in the order of CurrentBar.
+static void (*const BAR_OPERATIONS[])(PlayerClass &, int32_t, bool) = {
+    SetCharacter, SetEyes, SetEars, SetNose, SetMouth, SetEyebrows, SetMoustache, SetFeet, SetHat,
+};
+
 static void PickRow(GameClass &game, int bar, int row) {
-  PlayerClass &p = *game.LocalPlayer;
-  switch (bar) {
-    case 0:
-      SetCharacter(p, row, true);
-      game.ResetView();
-      break;
-    // Row 0 of the part bars is "no part", so row r is entry r - 1.
-    case 1: SetEyes(p, row - 1, true); break;
-    case 2: SetEars(p, row - 1, true); break;
-    case 3: SetNose(p, row - 1, true); break;
-    case 4: SetMouth(p, row - 1, true); break;
-    case 5: SetEyebrows(p, row - 1, true); break;
-    case 6: SetMoustache(p, row - 1, true); break;
-    case 7: SetFeet(p, row - 1, true); break;
-    case 8: SetHat(p, row - 1, true); break;
-  }
+  // Row 0 of the part bars is "no part", so their row r is entry r - 1.
+  BAR_OPERATIONS[bar](*game.LocalPlayer, bar == 0 ? row : row - 1, true);
+  // The view resets on a change of body only.
+  if (bar == 0) game.ResetView();
 }
 
 // Waits while the key is held: the whole loop stands still meanwhile.
 static void WaitForRelease(int scancode) {
   for (;;) {
     if (keyboard_needs_poll()) poll_keyboard();
-    if (!key[scancode]) return;
+    if (!key[scancode] || RVK_CloseRequested()) return;
     rest(1);
   }
 }
@@ -146,9 +154,9 @@ static void WaitForRelease(int scancode) {
 static void DrawScene(GameClass &game, CameraClass &camera) {
   int count = game.GetPlayerCount();
   if (game.Mode == GAME_MODE_SINGLE) {
-    for (int i = 0; i < 3; i++) camera.Eye[i] = game.CameraPosition[i];
-    const CharacterEntry *body = game.LocalPlayer ? game.LocalPlayer->Character : nullptr;
-    for (int i = 0; i < 3; i++) camera.Target[i] = body ? body->TargetPos[i] : 0;
+    std::copy(std::begin(game.CameraPosition), std::end(game.CameraPosition), camera.Eye);
+    const CharacterEntry &body = *game.LocalPlayer->Character;
+    std::copy(std::begin(body.TargetPos), std::end(body.TargetPos), camera.Target);
   } else {
     NetworkCamera(count, camera);
   }
@@ -156,12 +164,9 @@ static void DrawScene(GameClass &game, CameraClass &camera) {
   SetupLights();
 
   glPushMatrix();
-  glRotatef(game.IdleYaw, 0, 1, 0);
-  glRotatef(game.ViewAngles[0] * 1.40625f, 1, 0, 0);
-  glRotatef(game.ViewAngles[1] * 1.40625f, 0, 1, 0);
-  glRotatef(game.ViewAngles[2] * 1.40625f, 0, 0, 1);
+  RotateScene(game.IdleYaw, game.ViewAngles);
   if (game.Mode == GAME_MODE_SINGLE) {
-    if (game.LocalPlayer) DrawPlayer(*game.LocalPlayer, 0, 0, 0);
+    DrawPlayer(*game.LocalPlayer, 0, 0, 0);
   } else {
     for (int i = 0; i < count; i++) DrawPlayer(game.Players[(size_t)i], RowPositionX(count, i), 0, 0);
   }
@@ -201,7 +206,7 @@ void GameLoop(GameClass &game) {
   // one over, and this keeps a faulty hand-over from reaching the frame.
   if (!game.LocalPlayer) done = true;
 
-  while (!done) {
+  while (!done && !RVK_CloseRequested()) {
     if (game.Mode == GAME_MODE_SERVER) {
       NET_ServerPoll();
     } else if (game.Mode == GAME_MODE_CLIENT) {
@@ -220,28 +225,26 @@ void GameLoop(GameClass &game) {
     if (game.Mode == GAME_MODE_SERVER || game.Mode == GAME_MODE_CLIENT) DrawPlayerList(game);
 
     int button = game.Toolbar.Run();
-    if (button >= 0 && button <= 8) {
+    if (button >= 0 && button <= BUTTON_LAST_BAR) {
       game.CurrentBar = button;
     } else if (button == BUTTON_RELOAD) {
       if (game.Mode == GAME_MODE_SERVER)
         RVK_Message("Cannot reload data while hosting a server");
       else if (!ReloadData(game))
-        done = true;
+        break;
     } else if (button == BUTTON_EXIT) {
       done = true;
     }
 
-    if (!game.Characters.empty()) {
-      int row = game.Bar(game.CurrentBar).Run();
-      if (row >= 0) PickRow(game, game.CurrentBar, row);
-    }
+    int row = game.Bar(game.CurrentBar).Run();
+    if (row >= 0) PickRow(game, game.CurrentBar, row);
 
     RVK_DrawConsole();
     RVK_WaitFrame();
     RVK_EndFrame();
 
     if (autoSpin)
-      for (int i = 0; i < 3; i++) game.ViewAngles[i] += 2;
+      for (float &angle : game.ViewAngles) angle += 2;
 
     if (keyboard_needs_poll()) poll_keyboard();
     ViewKeysClass keys;
@@ -265,9 +268,9 @@ void GameLoop(GameClass &game) {
   }
 
   if (game.Mode == GAME_MODE_SERVER)
-    NP_SendPacket(NP_TO_ALL, 20, "");
+    NP_SendPacket(NP_TO_ALL, NP_UPDATE_QUIT, "");
   else if (game.Mode == GAME_MODE_CLIENT)
-    NP_SendPacket(NP_TO_SERVER, 0, "");
+    NP_SendPacket(NP_TO_SERVER, NP_REPORT_QUIT, "");
   game.Toolbar.Clear();
   game.Players.clear();
   game.LocalPlayer = nullptr;

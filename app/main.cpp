@@ -2,13 +2,14 @@
 // the settings, loads the catalogues, runs the menu, and takes it all down.
 #include <allegro.h>
 #include <GL/gl.h>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include "app/config.h"
 #include "app/game.h"
 #include "app/mainmenu.h"
+#include "app/startup.h"
 #include "character/catalogue.h"
-#include "rvk/console.h"
 #include "rvk/core.h"
 #include "rvk/datafile.h"
 #include "rvk/messagebox.h"
@@ -33,39 +34,29 @@ int main(int argc, char **argv) {
 
   install_mouse();
   install_allegro_gl();
+  // Allegro's own handlers end the program on the spot: ours let it close
+  // through its loops, so that the settings are written.
+  InstallCloseSignals();
 
   Config.ConfigFileName = ScanConfigOption(argc, argv, "Tumblekin.ini");
   LoadConfig(Config);
 
-  SoundOn = false;
   if (Config.SoundEnabled) {
-    if (install_sound(DIGI_AUTODETECT, MIDI_AUTODETECT, "") == 0) {
+    SoundOn = install_sound(DIGI_AUTODETECT, MIDI_AUTODETECT, "") == 0;
+    if (SoundOn)
       RVK_SetSampleVolume(GuiSampleVolume(Config.SoundVolume));
-      SoundOn = true;
-    } else {
+    else
       allegro_message("%s", allegro_error);
-    }
   }
 
-  // Named before the window opens, so it never shows the executable's name,
-  // and again after, for drivers that only name a window that exists.
+  // Named before the window opens: AllegroGL names its window then, and
+  // otherwise shows the executable's name.
   set_window_title("Tumblekin");
   if (!RVK_Init(Config.ScreenWidth, Config.ScreenHeight, Config.ColourDepth, Config.Windowed, 45)) return 0;
-  set_window_title("Tumblekin");
 
-  // The datafile's first object is the standard font of the whole GUI.
-  FONT *converted = nullptr;
-  if (datafile[0].type == DAT_FONT)
-    converted = allegro_gl_convert_allegro_font_ex((FONT *)datafile[0].dat, AGL_FONT_TYPE_TEXTURED, -1.0f, GL_ALPHA8);
-  // A datafile whose first object is no font (or a font AllegroGL can't
-  // convert) leaves the library's own standard font in place.
-  if (converted) {
-    RVK_FontStandard = converted;
-    ConsoleTop = SCREEN_H - ConsoleMaxLines * text_height(RVK_FontStandard) - 60;
-  }
-
+  UseGameFont(datafile);
   allegro_gl_use_mipmapping(TRUE);
-  glEnable(GL_CULL_FACE);
+  // Back faces are culled since RVK_Init; models are shaded smoothly.
   glShadeModel(GL_SMOOTH);
 
   if (LoadGame(Game)) {
@@ -75,7 +66,11 @@ int main(int argc, char **argv) {
     RVK_MessageBox("%s", Game.LoadError.c_str());
   }
 
-  SaveConfig(Config);
+  if (!SaveConfig(Config)) {
+    std::string text = "Unable to write the settings to " + Config.ConfigFileName;
+    RVK_LogError("%s", text.c_str());
+    std::fprintf(stderr, "%s\n", text.c_str());
+  }
   RVK_Shutdown();
   unload_datafile(datafile);
   if (SoundOn) remove_sound();

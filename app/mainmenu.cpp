@@ -3,6 +3,7 @@
 #include "app/mainmenu.h"
 #include "app/config.h"
 #include "app/game.h"
+#include "character/catalogue.h"
 #include "net/host.h"
 #include "rvk/console.h"
 #include "rvk/core.h"
@@ -14,14 +15,14 @@ static const char *const TOP_RIGHT_TEXT = "Dress up together!";
 
 // The roster of a game that is about to start: exactly one record, the local one.
 static void OneLocalRecord(GameClass &game) {
-  game.SetPlayerCount(1, false);
+  game.Players.resize(1);
   game.SetLocalPlayer(0);
 }
 
-// A reload that failed during the last game leaves no body to play with; the
-// user is told why instead of entering an empty game.
+// A reload that failed during the last game leaves catalogues empty; the user
+// is told why instead of entering a game without them.
 static bool CataloguesReady(GameClass &game) {
-  if (!game.Characters.empty()) return true;
+  if (CataloguesLoaded(game)) return true;
   RVK_MessageBox("%s", game.LoadError.c_str());
   return false;
 }
@@ -75,7 +76,7 @@ void MainMenu() {
 
   int shown = 0;
   bool exitFlag = false;
-  while (!exitFlag) {
+  while (!exitFlag && !RVK_CloseRequested()) {
     RVK_BeginFrame();
     game.DrawMenuBackground(false);
     if (shown == 0) {

@@ -8,40 +8,22 @@
 
 // ---- Network and cue ------------------------------------------------------
 
-PartPacketClass PartAnnouncement(int mode, bool announce, unsigned char reportType, unsigned char updateType) {
-  PartPacketClass packet;
-  if (!announce) return packet;
-  if (mode == GAME_MODE_SERVER) {
-    packet.Send = true;
-    packet.Destination = NP_TO_ALL;
-    packet.Type = updateType;
-    packet.WithPlayerId = true;
-  } else if (mode == GAME_MODE_CLIENT) {
-    // The server knows the sender from its connection: no ID goes with it.
-    packet.Send = true;
-    packet.Destination = NP_TO_SERVER;
-    packet.Type = reportType;
-  }
-  return packet;
-}
-
+// A change tells the network: a server sends the "Update" with the player's
+// ID to all clients, a client the "Report" to the server, which knows the
+// sender from its connection.
 static void Announce(const PlayerClass &player, int32_t number, bool announce, unsigned char reportType,
                      unsigned char updateType) {
-  PartPacketClass packet = PartAnnouncement(Game.Mode, announce, reportType, updateType);
-  if (!packet.Send) return;
-  if (packet.WithPlayerId)
-    NP_SendPacket(packet.Destination, packet.Type, "%d,%d", player.PlayerId, number);
-  else
-    NP_SendPacket(packet.Destination, packet.Type, "%d", number);
+  if (!announce) return;
+  if (Game.Mode == GAME_MODE_SERVER)
+    NP_SendPacket(NP_TO_ALL, updateType, "%d,%d", player.PlayerId, number);
+  else if (Game.Mode == GAME_MODE_CLIENT)
+    NP_SendPacket(NP_TO_SERVER, reportType, "%d", number);
 }
 
-// Pan 0 rather than the centre: the cue comes from the left channel, and the
-// volume goes whole to play_sample even above 255.
-static void PlayWithAllegro(SAMPLE *sample, int volume) { play_sample(sample, volume, 0, 1000, 0); }
+int (*PlayCueSample)(const SAMPLE *sample, int volume, int pan, int frequency, int loop) = play_sample;
 
-void (*PlayCueSample)(SAMPLE *sample, int volume) = PlayWithAllegro;
-
-void PlayPartCue(SAMPLE *sample) {
+// The cue of a change: a console line when sound is off or the sample missing.
+static void PlayPartCue(SAMPLE *sample) {
   if (!SoundOn) {
     RVK_Message("Not playing sample - sound is disabled");
     return;
@@ -50,7 +32,9 @@ void PlayPartCue(SAMPLE *sample) {
     RVK_Message("Not playing sample - sample is NULL");
     return;
   }
-  PlayCueSample(sample, Config.SoundVolume);
+  // Pan 0 rather than the centre: the cue comes from the left channel, and
+  // the volume goes whole to Allegro even above 255.
+  PlayCueSample(sample, Config.SoundVolume, 0, 1000, 0);
 }
 
 // ---- The nine operations --------------------------------------------------
@@ -61,9 +45,10 @@ void SetCharacter(PlayerClass &player, int32_t number, bool announce) {
   // With no catalogue loaded there is no entry to point at; drawing and the
   // view check for this rather than follow a pointer past the array.
   player.Character = Game.Characters.empty() ? nullptr : &Game.Characters[number];
-  for (int i = 0; i < 3; i++) player.EyesOri[i] = player.EyesOriTarget[i] = 0;
+  for (float &angle : player.EyesOri) angle = 0;
+  for (float &angle : player.EyesOriTarget) angle = 0;
   player.EyebrowsY = 0;
-  Announce(player, number, announce, 2, 22);
+  Announce(player, number, announce, NP_REPORT_CHARACTER, NP_UPDATE_CHARACTER);
   PlayPartCue(Game.CharacterSample);
 }
 
@@ -73,71 +58,74 @@ static void SetPart(PlayerClass &player, int32_t PlayerClass::*field, size_t cat
                     bool announce, unsigned char reportType, SAMPLE *sample) {
   if (number < -1 || (number >= 0 && (size_t)number >= catalogueSize)) return;
   player.*field = number;
-  Announce(player, number, announce, reportType, (unsigned char)(reportType + 20));
+  Announce(player, number, announce, reportType, (unsigned char)(reportType + NP_REPORT_TO_UPDATE));
   PlayPartCue(sample);
 }
 
 void SetEyes(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::EyesNumber, Game.Eyes.size(), number, announce, 3, Game.EyesSample);
+  SetPart(player, &PlayerClass::EyesNumber, Game.Eyes.size(), number, announce, NP_REPORT_EYES, Game.EyesSample);
 }
 void SetEars(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::EarsNumber, Game.Ears.size(), number, announce, 4, Game.EarsSample);
+  SetPart(player, &PlayerClass::EarsNumber, Game.Ears.size(), number, announce, NP_REPORT_EARS, Game.EarsSample);
 }
 void SetNose(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::NoseNumber, Game.Noses.size(), number, announce, 5, Game.NoseSample);
+  SetPart(player, &PlayerClass::NoseNumber, Game.Noses.size(), number, announce, NP_REPORT_NOSE, Game.NoseSample);
 }
 void SetMouth(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::MouthNumber, Game.Mouths.size(), number, announce, 6, Game.MouthSample);
+  SetPart(player, &PlayerClass::MouthNumber, Game.Mouths.size(), number, announce, NP_REPORT_MOUTH, Game.MouthSample);
 }
 void SetEyebrows(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::EyebrowsNumber, Game.Eyebrows.size(), number, announce, 7, Game.EyebrowsSample);
+  SetPart(player, &PlayerClass::EyebrowsNumber, Game.Eyebrows.size(),
+          number, announce, NP_REPORT_EYEBROWS, Game.EyebrowsSample);
 }
 void SetMoustache(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::MoustacheNumber, Game.Moustaches.size(), number, announce, 8, Game.MoustacheSample);
+  SetPart(player, &PlayerClass::MoustacheNumber, Game.Moustaches.size(),
+          number, announce, NP_REPORT_MOUSTACHE, Game.MoustacheSample);
 }
 void SetFeet(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::FeetNumber, Game.Feet.size(), number, announce, 9, Game.FeetSample);
+  SetPart(player, &PlayerClass::FeetNumber, Game.Feet.size(), number, announce, NP_REPORT_FEET, Game.FeetSample);
 }
 void SetHat(PlayerClass &player, int32_t number, bool announce) {
-  SetPart(player, &PlayerClass::HatNumber, Game.Hats.size(), number, announce, 10, Game.HatSample);
+  SetPart(player, &PlayerClass::HatNumber, Game.Hats.size(), number, announce, NP_REPORT_HAT, Game.HatSample);
 }
 
 // ---- Face motion ----------------------------------------------------------
 
-// One step of 1 towards the target; a gap of less than a step (possible only
-// with a fractional target from the wire) is closed at once instead of
-// leaving the eye to swing around its target for ever.
+// One step of 1 towards the target. A fractional target from the wire is
+// stepped past and then swung around, as every machine does alike.
 static void StepTowards(float &value, float target) {
   if (value < target)
-    value = (target - value < 1.0f) ? target : value + 1.0f;
+    value += 1.0f;
   else if (value > target)
-    value = (value - target < 1.0f) ? target : value - 1.0f;
+    value -= 1.0f;
 }
 
-void UpdateFaceMotion(PlayerClass &player) {
+// A new eye target on one axis, a whole number from -16 to 15, which a
+// server tells its clients.
+static void NewEyeTarget(PlayerClass &player, int axis, unsigned char packetType, int (*random)()) {
+  float target = (float)(random() % 32 - 16);
+  player.EyesOriTarget[axis] = target;
+  if (Game.Mode == GAME_MODE_SERVER) NP_SendPacket(NP_TO_ALL, packetType, "%d,%f", player.PlayerId, (double)target);
+}
+
+// The eyebrows lift to `y`, and a server tells its clients.
+static void LiftEyebrows(PlayerClass &player, float y) {
+  player.EyebrowsY = y;
+  if (Game.Mode == GAME_MODE_SERVER)
+    NP_SendPacket(NP_TO_ALL, NP_UPDATE_EYEBROWS_Y, "%d,%f", player.PlayerId, (double)y);
+}
+
+void UpdateFaceMotion(PlayerClass &player, int (*random)()) {
+  // A client draws no random numbers: its targets come from the server.
   const bool client = Game.Mode == GAME_MODE_CLIENT;
-  const bool server = Game.Mode == GAME_MODE_SERVER;
-  if (!client) {
-    if (rand() % 150 == 0) {
-      player.EyesOriTarget[0] = (float)(rand() % 32 - 16);
-      if (server) NP_SendPacket(NP_TO_ALL, 31, "%d,%f", player.PlayerId, (double)player.EyesOriTarget[0]);
-    }
-    if (rand() % 200 == 0) {
-      player.EyesOriTarget[1] = (float)(rand() % 32 - 16);
-      if (server) NP_SendPacket(NP_TO_ALL, 32, "%d,%f", player.PlayerId, (double)player.EyesOriTarget[1]);
-    }
-  }
+  if (!client && random() % 150 == 0) NewEyeTarget(player, 0, NP_UPDATE_EYES_ORI_X, random);
+  if (!client && random() % 200 == 0) NewEyeTarget(player, 1, NP_UPDATE_EYES_ORI_Y, random);
   StepTowards(player.EyesOri[0], player.EyesOriTarget[0]);
   StepTowards(player.EyesOri[1], player.EyesOriTarget[1]);
-  if (!client && rand() % 400 == 0) {
-    player.EyebrowsY = 1.5f;
-    if (server) NP_SendPacket(NP_TO_ALL, 33, "%d,%f", player.PlayerId, 1.5);
-  }
+  if (!client && random() % 400 == 0) LiftEyebrows(player, 1.5f);
   if (player.EyebrowsY > 0) {
     player.EyebrowsY -= 0.25f;
-    if (player.EyebrowsY == 0 && server && rand() % 4 == 0) {
-      player.EyebrowsY = 1.0f;
-      NP_SendPacket(NP_TO_ALL, 33, "%d,%f", player.PlayerId, 1.0);
-    }
+    // Only a server lifts them a second time.
+    if (player.EyebrowsY == 0 && Game.Mode == GAME_MODE_SERVER && random() % 4 == 0) LiftEyebrows(player, 1.0f);
   }
 }

@@ -3,6 +3,7 @@
 #pragma once
 #include <allegro.h>
 #include <cstdint>
+#include <cstdlib>
 #include "app/game.h"
 
 void SetCharacter(PlayerClass &player, int32_t number, bool announce);
@@ -15,21 +16,9 @@ void SetMoustache(PlayerClass &player, int32_t number, bool announce);
 void SetFeet(PlayerClass &player, int32_t number, bool announce);
 void SetHat(PlayerClass &player, int32_t number, bool announce);
 
-void UpdateFaceMotion(PlayerClass &player);
+// Draws its random numbers from `random`, rand in the game.
+void UpdateFaceMotion(PlayerClass &player, int (*random)() = std::rand);
 
-// What a change tells the network: nothing, an "Update" with the player's ID
-// to all clients (server), or a "Report" to the server (client).
-class PartPacketClass {
-public:
-  bool Send = false;
-  int Destination = 0;
-  unsigned char Type = 0;
-  bool WithPlayerId = false;
-};
-PartPacketClass PartAnnouncement(int mode, bool announce, unsigned char reportType, unsigned char updateType);
-
-// Plays one part's cue at the given volume; the one place that calls
-// play_sample, replaceable so that tests can see what would be played.
-extern void (*PlayCueSample)(SAMPLE *sample, int volume);
-// The cue of a change: a console line when sound is off or the sample missing.
-void PlayPartCue(SAMPLE *sample);
+// Allegro's play_sample, through which every cue is played; replaceable so
+// that tests can see what would be played.
+extern int (*PlayCueSample)(const SAMPLE *sample, int volume, int pan, int frequency, int loop);

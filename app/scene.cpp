@@ -17,16 +17,12 @@ void NetworkCamera(int count, CameraClass &camera) {
   camera.Target[0] = 0;
   camera.Target[1] = 50;
   camera.Target[2] = 0;
-  camera.Up[0] = 0;
-  camera.Up[1] = 1;
-  camera.Up[2] = 0;
 }
 
 void ApplyCamera(CameraClass &camera) {
   glMatrixMode(GL_PROJECTION);
   glLoadIdentity();
-  int h = SCREEN_H > 0 ? SCREEN_H : 1;
-  gluPerspective(48.0, (double)SCREEN_W / (double)h, 1.0, 4000.0);
+  gluPerspective(48.0, (double)SCREEN_W / (double)SCREEN_H, 1.0, 4000.0);
   glMatrixMode(GL_MODELVIEW);
   glLoadIdentity();
   gluLookAt(camera.Eye[0], camera.Eye[1], camera.Eye[2], camera.Target[0], camera.Target[1], camera.Target[2],
@@ -34,14 +30,14 @@ void ApplyCamera(CameraClass &camera) {
 }
 
 // Placed under the camera's matrix alone, so turning the scene leaves the
-// lights where they are.
+// lights where they are. Setting a light leaves the matrix as it is, so
+// nothing needs saving around it.
 void SetupLights() {
   static const GLfloat position0[4] = {-1.0f, 0.5f, -1.0f, 0.0f};
   static const GLfloat position1[4] = {1.0f, 0.5f, 1.0f, 0.0f};
   static const GLfloat ambient[4] = {0.5f, 0.5f, 0.5f, 1.0f};
   static const GLfloat diffuse[4] = {1.0f, 1.0f, 1.0f, 1.0f};
   static const GLfloat specular[4] = {0.5f, 0.5f, 0.5f, 1.0f};
-  glPushMatrix();
   glLightfv(GL_LIGHT0, GL_POSITION, position0);
   glLightfv(GL_LIGHT0, GL_AMBIENT, ambient);
   glLightfv(GL_LIGHT0, GL_DIFFUSE, diffuse);
@@ -53,7 +49,15 @@ void SetupLights() {
   glEnable(GL_LIGHTING);
   glEnable(GL_LIGHT0);
   glEnable(GL_LIGHT1);
-  glPopMatrix();
+}
+
+// Idle yaw about Y first, then the view angles about X, Y and Z, each in
+// 1/256 of a turn: the whole row turns about the world's origin.
+void RotateScene(float idleYaw, const float viewAngles[3]) {
+  glRotatef(idleYaw, 0, 1, 0);
+  glRotatef(viewAngles[0] * DEGREES_PER_STEP, 1, 0, 0);
+  glRotatef(viewAngles[1] * DEGREES_PER_STEP, 0, 1, 0);
+  glRotatef(viewAngles[2] * DEGREES_PER_STEP, 0, 0, 1);
 }
 
 void DisableLights() {

@@ -4,6 +4,8 @@
 //         sequence (4 + 14 x 7 = 102 packets) arriving;
 //   pick: from one client's part report to another client's Update arriving.
 // Target for both: within 2 frames (45 ms) beyond ENet's own handshake.
+// With "--flood PORT SECONDS" it is instead one client that sends part reports
+// to a server on 127.0.0.1:PORT as fast as ENet takes them (bench/net_flood.py).
 #include <algorithm>
 #include <cstdio>
 #include <memory>
@@ -42,7 +44,7 @@ public:
   TestHost *Join(size_t packets) {
     Clients.emplace_back(new TestHost);
     TestHost *c = Clients.back().get();
-    if (!c->StartClient(Port)) return nullptr;
+    if (!c->Start(Port, false)) return nullptr;
     if (!FramesUntil([&] { return c->Received.size() >= packets; }, 3000)) return nullptr;
     return c;
   }
@@ -56,7 +58,31 @@ static void Report(const char *what, std::vector<double> v) {
               sum / v.size(), v.back(), v.back() <= 45.0 ? "within" : "OVER");
 }
 
-int main() {
+// Keeps ENet's queue of outgoing commands full, but no fuller: the rate is
+// what the reliable channel carries, and the memory stays bounded.
+static int Flood(uint16_t port, double seconds) {
+  TestHost client;
+  const size_t queued = 256;
+  if (!client.Start(port, false) || !PumpUntil([&] { client.Service(1); }, [&] { return client.Connected(); }, 5000)) {
+    std::printf("no server on port %d\n", port);
+    return 1;
+  }
+  long sent = 0;
+  for (double end = NowMs() + seconds * 1000; NowMs() < end; client.Service()) {
+    while (enet_list_size(&client.Peer->outgoingCommands) < queued) {
+      Bytes report = Pkt(NP_REPORT_EYES, {(int)(sent++ % 2)});
+      enet_peer_send(client.Peer, 0, enet_packet_create(report.data(), report.size(), ENET_PACKET_FLAG_RELIABLE));
+    }
+  }
+  std::printf("flood: %ld part reports in %.0f s (%.0f a second)\n", sent, seconds, sent / seconds);
+  return 0;
+}
+
+int main(int argc, char **argv) {
+  if (argc == 4 && std::string(argv[1]) == "--flood") {
+    enet_initialize();
+    return Flood((uint16_t)std::atoi(argv[2]), std::atof(argv[3]));
+  }
   Game.Characters.resize(3);
   Game.Eyes.resize(4);
   Bench bench;
@@ -87,7 +113,7 @@ int main() {
       return 1;
     }
     joins.push_back(seventh->Received.back().Time - seventh->ConnectTime);
-    seventh->Send(End(Pkt(0)));
+    seventh->Send(Pkt(NP_REPORT_QUIT));
     bench.FramesUntil([] { return Game.GetPlayerCount() == 7; }, 2000);
     bench.Clients.pop_back();
     for (auto &c : bench.Clients) c->Service();
@@ -100,7 +126,7 @@ int main() {
   for (int round = 0; round < 50; round++) {
     size_t seen = b.Received.size();
     double sent = NowMs();
-    a.Send(Shorts(3, {round % 4}));
+    a.Send(Pkt(NP_REPORT_EYES, {round % 4}));
     if (!bench.FramesUntil([&] { return b.Received.size() > seen; }, 2000)) {
       std::printf("pick %d did not arrive\n", round);
       return 1;

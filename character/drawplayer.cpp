@@ -42,8 +42,7 @@ void DrawPlayer(PlayerClass &player, float x, float y, float z) {
     glTranslatef(x, y + body->Model.HalfSize[1], z + body->Model.HalfSize[2]);
 
   glEnable(GL_DEPTH_TEST);
-  if (body->Model.Loaded && body->Model.ListsValid)
-    glCallList(body->Model.ListBase + 2 * (GLuint)(int)body->Model.CurrentFrame);
+  body->Model.CallFrameList();
 
   if (PairPartEntry *e = EntryAt(game.Eyes, player.EyesNumber)) {
     UpdateAndDraw(e->LeftModel, body->LeftEye, player.EyesOri[0], player.EyesOri[1]);

@@ -1,33 +1,30 @@
 // Centring of a model on the origin, shared by ModelClass and the tools.
+#include <algorithm>
+
 #include "model/modelclass.h"
 
 ModelBox CentreModel(msModel &model) {
   ModelBox box;
   // An empty model has no box: everything stays 0 and nothing moves.
   if (model.Vertices.empty()) return box;
-  float lo[3], hi[3];
-  for (int c = 0; c < 3; c++) lo[c] = hi[c] = model.Vertices[0].Position[c];
-  for (const msVertex &v : model.Vertices) {
-    for (int c = 0; c < 3; c++) {
-      if (v.Position[c] < lo[c]) lo[c] = v.Position[c];
-      if (v.Position[c] > hi[c]) hi[c] = v.Position[c];
-    }
-  }
+  const msVertex &first = model.Vertices.front();
   for (int c = 0; c < 3; c++) {
-    box.Size[c] = hi[c] - lo[c];
-    box.CentreOffset[c] = -lo[c] - box.Size[c] * 0.5f;
+    float lo = first.Position[c], hi = lo;
+    for (const msVertex &v : model.Vertices) {
+      lo = std::min(lo, v.Position[c]);
+      hi = std::max(hi, v.Position[c]);
+    }
+    box.Size[c] = hi - lo;
+    box.HalfSize[c] = box.Size[c] * 0.5f;
+    box.CentreOffset[c] = -lo - box.HalfSize[c];
+    box.BoundsMin[c] = lo + box.CentreOffset[c];
+    box.BoundsMax[c] = hi + box.CentreOffset[c];
+    for (msVertex &v : model.Vertices) v.Position[c] += box.CentreOffset[c];
   }
-  for (msVertex &v : model.Vertices) {
-    for (int c = 0; c < 3; c++) v.Position[c] += box.CentreOffset[c];
-  }
+  // Only root joints move: the others are placed relative to their parents.
   for (msJoint &j : model.Joints) {
     if (model.FindJointByName(j.ParentName) != -1) continue;
     for (int c = 0; c < 3; c++) j.Position[c] += box.CentreOffset[c];
-  }
-  for (int c = 0; c < 3; c++) {
-    box.BoundsMin[c] = lo[c] + box.CentreOffset[c];
-    box.BoundsMax[c] = hi[c] + box.CentreOffset[c];
-    box.HalfSize[c] = box.Size[c] * 0.5f;
   }
   return box;
 }

@@ -5,7 +5,7 @@
 #include <cmath>
 
 // Rz(a2) Ry(a1) Rx(a0) for column vectors, with a zero translation column.
-void AngleMatrix(const float angles[3], float matrix[3][4]) {
+void AngleMatrix(const float (&angles)[3], float (&matrix)[3][4]) {
   double sx = std::sin(static_cast<double>(angles[0])), cx = std::cos(static_cast<double>(angles[0]));
   double sy = std::sin(static_cast<double>(angles[1])), cy = std::cos(static_cast<double>(angles[1]));
   double sz = std::sin(static_cast<double>(angles[2])), cz = std::cos(static_cast<double>(angles[2]));
@@ -24,7 +24,7 @@ void AngleMatrix(const float angles[3], float matrix[3][4]) {
 }
 
 // The same rotation as AngleMatrix, as a quaternion (x, y, z, w).
-void AngleQuaternion(const float angles[3], float quaternion[4]) {
+void AngleQuaternion(const float (&angles)[3], float (&quaternion)[4]) {
   double a0 = static_cast<double>(angles[0]) * 0.5;
   double a1 = static_cast<double>(angles[1]) * 0.5;
   double a2 = static_cast<double>(angles[2]) * 0.5;
@@ -38,7 +38,7 @@ void AngleQuaternion(const float angles[3], float quaternion[4]) {
 }
 
 // Fills the rotation block only; the caller owns the translation column.
-void QuaternionMatrix(const float quaternion[4], float matrix[3][4]) {
+void QuaternionMatrix(const float (&quaternion)[4], float (&matrix)[3][4]) {
   float x = quaternion[0], y = quaternion[1], z = quaternion[2], w = quaternion[3];
   matrix[0][0] = 1.0f - 2.0f * y * y - 2.0f * z * z;
   matrix[0][1] = 2.0f * x * y - 2.0f * w * z;
@@ -52,7 +52,7 @@ void QuaternionMatrix(const float quaternion[4], float matrix[3][4]) {
 }
 
 // out = first x second, both with an implied last row (0, 0, 0, 1).
-void ConcatTransforms(const float first[3][4], const float second[3][4], float out[3][4]) {
+void ConcatTransforms(const float (&first)[3][4], const float (&second)[3][4], float (&out)[3][4]) {
   for (int r = 0; r < 3; r++) {
     for (int c = 0; c < 4; c++) {
       out[r][c] = first[r][0] * second[0][c] + first[r][1] * second[1][c] + first[r][2] * second[2][c];
@@ -63,7 +63,7 @@ void ConcatTransforms(const float first[3][4], const float second[3][4], float o
 
 // Spherical interpolation from p to q along the shorter way; q is negated in
 // place when that way goes through -q.
-void QuaternionSlerp(const float p[4], float q[4], float t, float out[4]) {
+void QuaternionSlerp(const float (&p)[4], float (&q)[4], float t, float (&out)[4]) {
   float a = 0, b = 0;
   for (int i = 0; i < 4; i++) {
     a += (p[i] - q[i]) * (p[i] - q[i]);

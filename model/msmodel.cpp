@@ -8,8 +8,12 @@
 // Xlib, pulled in by AllegroGL, defines CurrentTime as a macro.
 #undef CurrentTime
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <memory>
+
+#include "rvk/filecheck.h"
 
 namespace {
 
@@ -28,14 +32,13 @@ public:
   bool Short = false;
 
   size_t Left() const { return Size - Pos; }
-  bool AtEnd() const { return Pos >= Size; }
   bool Has(size_t n) {
     if (n > Left()) Short = true;
     return !Short;
   }
   // True when count records of size bytes each are all still there.
   bool HasRecords(size_t count, size_t size) {
-    if (size != 0 && count > Left() / size) Short = true;
+    if (count > Left() / size) Short = true;
     return !Short;
   }
   void Bytes(void *out, size_t n) {
@@ -64,6 +67,16 @@ public:
            (static_cast<uint32_t>(b[2]) << 16) | (static_cast<uint32_t>(b[3]) << 24);
   }
   int32_t I32() { return static_cast<int32_t>(U32()); }
+  // A 32-bit length and that many bytes of text with no terminator. A
+  // negative length reads as a huge one and fails like any length that runs
+  // past the end.
+  bool Text(std::vector<char> &out) {
+    uint32_t length = U32();
+    if (!Has(length)) return false;
+    out.assign(Data + Pos, Data + Pos + length);
+    Pos += length;
+    return true;
+  }
   float F32() {
     uint32_t bits = U32();
     float f;
@@ -73,14 +86,18 @@ public:
   void Floats(float *out, int n) {
     for (int i = 0; i < n; i++) out[i] = F32();
   }
-  // A text field of fixed width. A name that fills the width has no
-  // terminator in the file; the last byte is made one so that the field is
-  // always a terminated string, which cuts such a name by one character.
-  void Chars(char *out, size_t width) {
-    Bytes(out, width);
-    out[width - 1] = '\0';
+  // A text field of fixed width, read whole into an array one byte wider,
+  // whose last byte keeps it terminated.
+  template <size_t N> void Chars(char (&out)[N]) {
+    Bytes(out, N - 1);
+    out[N - 1] = '\0';
   }
 };
+
+const char MS3D_MAGIC[] = "MS3D000000";
+const int32_t MS3D_VERSION = 4;
+// The lowest frame rate a model plays at.
+const float MS_MIN_FPS = 1.0f;
 
 // Record sizes in the file.
 const size_t VERTEX_SIZE = 15;
@@ -89,47 +106,32 @@ const size_t GROUP_MIN_SIZE = 36;
 const size_t MATERIAL_SIZE = 361;
 const size_t JOINT_MIN_SIZE = 93;
 const size_t KEY_SIZE = 16;
+const size_t TRIANGLE_INDEX_SIZE = 2;
 const size_t COMMENT_MIN_SIZE = 8;
+const size_t VERTEX_WEIGHTS_SIZE = 6;
+const size_t VERTEX_EXTRA_SIZE = 10;
+const size_t JOINT_COLOUR_SIZE = 12;
+const size_t MODEL_EXTRA_SIZE = 12;
+// The flag that announces the model's own comment.
+const int32_t MODEL_COMMENT_PRESENT = 1;
 
 // ---------------------------------------------------------------------------
 // Reading the parts of a file
 
+// Reads the whole file. The size from the seek is only what the file claims:
+// a directory opens and claims nearly 2^63 bytes, then yields none. So the
+// buffer grows only by what has actually been read, a chunk at a time, and
+// all that was claimed must arrive.
 bool ReadFile(FILE *file, std::vector<uint8_t> &bytes) {
   if (std::fseek(file, 0, SEEK_END) != 0) return false;
   long size = std::ftell(file);
   if (size < 0 || std::fseek(file, 0, SEEK_SET) != 0) return false;
-  bytes.resize(static_cast<size_t>(size));
-  return size == 0 || std::fread(bytes.data(), 1, bytes.size(), file) == bytes.size();
-}
-
-void ReadKeys(ByteCursor &in, std::vector<msKeyframe> &keys, uint16_t count, float fps) {
-  keys.resize(count);
-  for (msKeyframe &key : keys) {
-    key.Time = in.F32() * fps;
-    in.Floats(key.Value, 3);
-  }
-}
-
-// One list of comments. Comments are collected apart and applied only when
-// the whole section has been read.
-struct PendingComment {
-  int List;
-  int32_t Index;
-  std::vector<char> Text;
-};
-
-bool ReadCommentList(ByteCursor &in, int list, std::vector<PendingComment> &out) {
-  int32_t count = in.I32();
-  if (in.Short || count < 0 || !in.HasRecords(static_cast<size_t>(count), COMMENT_MIN_SIZE)) return false;
-  for (int32_t i = 0; i < count; i++) {
-    PendingComment c;
-    c.List = list;
-    c.Index = in.I32();
-    int32_t length = in.I32();
-    if (in.Short || length < 0 || !in.Has(static_cast<size_t>(length))) return false;
-    c.Text.assign(in.Data + in.Pos, in.Data + in.Pos + length);
-    in.Pos += static_cast<size_t>(length);
-    out.push_back(std::move(c));
+  uint8_t chunk[65536];
+  for (size_t left = static_cast<size_t>(size); left > 0;) {
+    size_t read = std::fread(chunk, 1, std::min(left, sizeof chunk), file);
+    if (read == 0) return false;
+    bytes.insert(bytes.end(), chunk, chunk + read);
+    left -= read;
   }
   return true;
 }
@@ -153,8 +155,10 @@ std::string msTexturePath(const char *modelPath, const char *texture) {
   return path;
 }
 
+namespace {
+
 // Loads a material's texture, or empties its name when that fails.
-static void LoadMaterialTexture(msMaterial &material, const char *modelPath, bool upload) {
+void LoadMaterialTexture(msMaterial &material, const char *modelPath, bool upload) {
   if (material.Texture[0] == '\0' || !upload) return;
   std::string path = msTexturePath(modelPath, material.Texture);
   // Stored names and catalogue paths use Windows separators; here '\' is no
@@ -162,7 +166,7 @@ static void LoadMaterialTexture(msMaterial &material, const char *modelPath, boo
   for (char &ch : path) {
     if (ch == '\\') ch = '/';
   }
-  BITMAP *bitmap = path.empty() ? nullptr : load_bitmap(path.c_str(), nullptr);
+  BITMAP *bitmap = path.empty() ? nullptr : RVK_LoadBitmap(path.c_str());
   if (!bitmap) {
     material.Texture[0] = '\0';
     return;
@@ -170,6 +174,188 @@ static void LoadMaterialTexture(msMaterial &material, const char *modelPath, boo
   material.TextureId = allegro_gl_make_texture(bitmap);
   destroy_bitmap(bitmap);
 }
+
+// ---------------------------------------------------------------------------
+// The mandatory part: each reader checks that its count of records fits in
+// what is left before it allocates, and fails once anything ran short.
+
+bool ReadVertices(ByteCursor &in, std::vector<msVertex> &vertices) {
+  uint16_t count = in.U16();
+  if (!in.HasRecords(count, VERTEX_SIZE)) return false;
+  vertices.resize(count);
+  for (msVertex &v : vertices) {
+    v.Flags = in.U8();
+    in.Floats(v.Position, 3);
+    v.BoneId = in.I8();
+    v.RefCount = in.U8();
+  }
+  return true;
+}
+
+bool ReadTriangles(ByteCursor &in, std::vector<msTriangle> &triangles) {
+  uint16_t count = in.U16();
+  if (!in.HasRecords(count, TRIANGLE_SIZE)) return false;
+  triangles.resize(count);
+  for (msTriangle &t : triangles) {
+    t.Flags = in.U16();
+    for (uint16_t &index : t.VertexIndices) index = in.U16();
+    for (float(&normal)[3] : t.VertexNormals) in.Floats(normal, 3);
+    in.Floats(t.S, 3);
+    in.Floats(t.T, 3);
+    t.SmoothingGroup = in.U8();
+    t.GroupIndex = in.U8();
+  }
+  return true;
+}
+
+bool ReadGroups(ByteCursor &in, std::vector<msGroup> &groups) {
+  uint16_t count = in.U16();
+  if (!in.HasRecords(count, GROUP_MIN_SIZE)) return false;
+  groups.resize(count);
+  for (msGroup &g : groups) {
+    g.Flags = in.U8();
+    in.Chars(g.Name);
+    uint16_t n = in.U16();
+    if (!in.HasRecords(n, TRIANGLE_INDEX_SIZE)) return false;
+    g.TriangleIndices.resize(n);
+    for (uint16_t &index : g.TriangleIndices) index = in.U16();
+    g.MaterialIndex = in.I8();
+  }
+  return true;
+}
+
+// Each material's texture is loaded as soon as its record is read.
+bool ReadMaterials(ByteCursor &in, std::vector<msMaterial> &materials, const char *path, bool upload) {
+  uint16_t count = in.U16();
+  if (!in.HasRecords(count, MATERIAL_SIZE)) return false;
+  materials.resize(count);
+  for (msMaterial &m : materials) {
+    in.Chars(m.Name);
+    in.Floats(m.Ambient, 4);
+    in.Floats(m.Diffuse, 4);
+    in.Floats(m.Specular, 4);
+    in.Floats(m.Emissive, 4);
+    m.Shininess = in.F32();
+    m.Transparency = in.F32();
+    m.Mode = in.U8();
+    in.Chars(m.Texture);
+    in.Chars(m.AlphaMap);
+    m.Ambient[3] = m.Diffuse[3] = m.Specular[3] = m.Emissive[3] = m.Transparency;
+    LoadMaterialTexture(m, path, upload);
+  }
+  return true;
+}
+
+// The joints' key times are read in seconds and kept in frames, by the
+// frame rate as clamped here.
+bool ReadAnimation(ByteCursor &in, msModel &model) {
+  model.AnimationFps = std::max(in.F32(), MS_MIN_FPS);
+  model.CurrentTime = in.F32();
+  model.TotalFrames = in.I32();
+  return !in.Short;
+}
+
+void ReadKeys(ByteCursor &in, std::vector<msKeyframe> &keys, uint16_t count, float fps) {
+  keys.resize(count);
+  for (msKeyframe &key : keys) {
+    key.Time = in.F32() * fps;
+    in.Floats(key.Value, 3);
+  }
+}
+
+bool ReadJoints(ByteCursor &in, std::vector<msJoint> &joints, float fps) {
+  uint16_t count = in.U16();
+  if (!in.HasRecords(count, JOINT_MIN_SIZE)) return false;
+  joints.resize(count);
+  for (msJoint &j : joints) {
+    j.Flags = in.U8();
+    in.Chars(j.Name);
+    in.Chars(j.ParentName);
+    in.Floats(j.Rotation, 3);
+    in.Floats(j.Position, 3);
+    uint16_t nr = in.U16();
+    uint16_t np = in.U16();
+    if (!in.HasRecords(static_cast<size_t>(nr) + np, KEY_SIZE)) return false;
+    ReadKeys(in, j.RotationKeys, nr, fps);
+    ReadKeys(in, j.PositionKeys, np, fps);
+  }
+  return true;
+}
+
+// ---------------------------------------------------------------------------
+// The optional sections
+
+// A comment, held with the record field it belongs to (none when its index
+// is outside its list) until the whole section has been read.
+struct PendingComment {
+  std::vector<char> *Target = nullptr;
+  std::vector<char> Text;
+};
+
+template <class Record>
+bool ReadCommentList(ByteCursor &in, std::vector<Record> &records, std::vector<PendingComment> &out) {
+  // A negative count is taken as no comments, and the reader goes on.
+  int32_t count = std::max(in.I32(), 0);
+  if (!in.HasRecords(static_cast<size_t>(count), COMMENT_MIN_SIZE)) return false;
+  for (int32_t i = 0; i < count; i++) {
+    PendingComment &c = out.emplace_back();
+    int32_t index = in.I32();
+    if (index >= 0 && static_cast<size_t>(index) < records.size()) c.Target = &records[index].Comment;
+    if (!in.Text(c.Text)) return false;
+  }
+  return true;
+}
+
+// Comments, sub-version 1: the groups', the materials' and the joints', then
+// the model's. Nothing is applied unless the whole section is there.
+bool ReadComments(ByteCursor &in, msModel &model) {
+  std::vector<PendingComment> comments;
+  if (!ReadCommentList(in, model.Groups, comments) || !ReadCommentList(in, model.Materials, comments) ||
+      !ReadCommentList(in, model.Joints, comments)) {
+    return false;
+  }
+  std::vector<char> modelComment;
+  bool hasModelComment = in.I32() == MODEL_COMMENT_PRESENT;
+  if (in.Short || (hasModelComment && !in.Text(modelComment))) return false;
+  for (PendingComment &c : comments) {
+    if (c.Target) *c.Target = std::move(c.Text);
+  }
+  model.Comment = std::move(modelComment);
+  return true;
+}
+
+// Vertex extras: sub-version 2 has Extra, 1 has not.
+bool ReadVertexExtras(ByteCursor &in, std::vector<msVertex> &vertices, bool withExtra) {
+  if (!in.HasRecords(vertices.size(), withExtra ? VERTEX_EXTRA_SIZE : VERTEX_WEIGHTS_SIZE)) return false;
+  for (msVertex &v : vertices) {
+    for (int8_t &id : v.BoneIds) id = in.I8();
+    for (uint8_t &weight : v.BoneWeights) weight = in.U8();
+    if (withExtra) v.Extra = in.U32();
+  }
+  return true;
+}
+
+bool ReadJointColours(ByteCursor &in, std::vector<msJoint> &joints) {
+  if (!in.HasRecords(joints.size(), JOINT_COLOUR_SIZE)) return false;
+  for (msJoint &j : joints) in.Floats(j.Color, 3);
+  return true;
+}
+
+bool ReadModelExtras(ByteCursor &in, msModel &model) {
+  if (!in.Has(MODEL_EXTRA_SIZE)) return false;
+  model.JointSize = in.F32();
+  model.TransparencyMode = in.I32();
+  model.AlphaRef = in.F32();
+  return true;
+}
+
+// The sub-version that opens the next optional section; false at the end.
+bool NextSection(ByteCursor &in, int32_t &sub) {
+  sub = in.I32();
+  return !in.Short;
+}
+
+}  // namespace
 
 // ---------------------------------------------------------------------------
 // msModel
@@ -201,10 +387,7 @@ void msModel::Clear() {
 
 int msModel::FindJointByName(const char *name) const {
   for (size_t i = 0; i < Joints.size(); i++) {
-    if (std::strncmp(Joints[i].Name, name, sizeof Joints[i].Name) == 0 &&
-        std::strlen(name) < sizeof Joints[i].Name) {
-      return static_cast<int>(i);
-    }
+    if (std::strcmp(Joints[i].Name, name) == 0) return static_cast<int>(i);
   }
   return -1;
 }
@@ -217,169 +400,33 @@ int msModel::GetNumMaterials() const { return static_cast<int>(Materials.size())
 // read while bytes remain; a section that is cut short is dropped whole, it
 // and all after it count as absent, and the load still succeeds.
 bool msModel::Load(const char *path) {
-  FILE *file = std::fopen(path, "rb");
+  std::unique_ptr<FILE, int (*)(FILE *)> file(std::fopen(path, "rb"), std::fclose);
   if (!file) return false;
   Clear();
   std::vector<uint8_t> bytes;
-  bool read = ReadFile(file, bytes);
-  std::fclose(file);
-  auto refuse = [this]() {
-    Clear();
-    return false;
-  };
-  if (!read) return refuse();
+  if (!ReadFile(file.get(), bytes)) return false;
 
   ByteCursor in(bytes.data(), bytes.size());
-  char magic[10];
+  char magic[sizeof MS3D_MAGIC - 1];
   in.Bytes(magic, sizeof magic);
-  if (in.Short || std::memcmp(magic, "MS3D000000", sizeof magic) != 0) return false;
-  int32_t version = in.I32();
-  if (in.Short || version != 4) return false;
-
-  uint16_t count = in.U16();
-  if (!in.HasRecords(count, VERTEX_SIZE)) return refuse();
-  Vertices.resize(count);
-  for (msVertex &v : Vertices) {
-    v.Flags = in.U8();
-    in.Floats(v.Position, 3);
-    v.BoneId = in.I8();
-    v.RefCount = in.U8();
+  if (std::memcmp(magic, MS3D_MAGIC, sizeof magic) != 0 || in.I32() != MS3D_VERSION) return false;
+  if (!ReadVertices(in, Vertices) || !ReadTriangles(in, Triangles) || !ReadGroups(in, Groups) ||
+      !ReadMaterials(in, Materials, path, UploadTextures) || !ReadAnimation(in, *this) ||
+      !ReadJoints(in, Joints, AnimationFps)) {
+    Clear();
+    return false;
   }
 
-  count = in.U16();
-  if (!in.HasRecords(count, TRIANGLE_SIZE)) return refuse();
-  Triangles.resize(count);
-  for (msTriangle &t : Triangles) {
-    t.Flags = in.U16();
-    for (int c = 0; c < 3; c++) t.VertexIndices[c] = in.U16();
-    for (int c = 0; c < 3; c++) in.Floats(t.VertexNormals[c], 3);
-    in.Floats(t.S, 3);
-    in.Floats(t.T, 3);
-    t.SmoothingGroup = in.U8();
-    t.GroupIndex = in.U8();
-  }
-
-  count = in.U16();
-  if (!in.HasRecords(count, GROUP_MIN_SIZE)) return refuse();
-  Groups.resize(count);
-  for (msGroup &g : Groups) {
-    g.Flags = in.U8();
-    in.Chars(g.Name, sizeof g.Name);
-    uint16_t n = in.U16();
-    if (!in.HasRecords(n, 2)) return refuse();
-    g.TriangleIndices.resize(n);
-    for (uint16_t &index : g.TriangleIndices) index = in.U16();
-    g.MaterialIndex = in.I8();
-    if (in.Short) return refuse();
-  }
-
-  count = in.U16();
-  if (!in.HasRecords(count, MATERIAL_SIZE)) return refuse();
-  Materials.resize(count);
-  for (msMaterial &m : Materials) {
-    in.Chars(m.Name, sizeof m.Name);
-    in.Floats(m.Ambient, 4);
-    in.Floats(m.Diffuse, 4);
-    in.Floats(m.Specular, 4);
-    in.Floats(m.Emissive, 4);
-    m.Shininess = in.F32();
-    m.Transparency = in.F32();
-    m.Mode = in.U8();
-    in.Chars(m.Texture, sizeof m.Texture);
-    in.Chars(m.AlphaMap, sizeof m.AlphaMap);
-    m.Ambient[3] = m.Diffuse[3] = m.Specular[3] = m.Emissive[3] = m.Transparency;
-    LoadMaterialTexture(m, path, UploadTextures);
-  }
-
-  if (!in.Has(12)) return refuse();
-  AnimationFps = in.F32();
-  if (AnimationFps < 1.0f) AnimationFps = 1.0f;
-  CurrentTime = in.F32();
-  TotalFrames = in.I32();
-
-  count = in.U16();
-  if (!in.HasRecords(count, JOINT_MIN_SIZE)) return refuse();
-  Joints.resize(count);
-  for (msJoint &j : Joints) {
-    j.Flags = in.U8();
-    in.Chars(j.Name, sizeof j.Name);
-    in.Chars(j.ParentName, sizeof j.ParentName);
-    in.Floats(j.Rotation, 3);
-    in.Floats(j.Position, 3);
-    uint16_t nr = in.U16();
-    uint16_t np = in.U16();
-    if (in.Short || !in.HasRecords(static_cast<size_t>(nr) + np, KEY_SIZE)) return refuse();
-    ReadKeys(in, j.RotationKeys, nr, AnimationFps);
-    ReadKeys(in, j.PositionKeys, np, AnimationFps);
-  }
-
-  // Comments. A sub-version other than 1 ends the section right behind it.
-  if (in.AtEnd()) return true;
-  int32_t sub = in.I32();
-  if (in.Short) return true;
-  if (sub == 1) {
-    std::vector<PendingComment> comments;
-    bool whole = ReadCommentList(in, 0, comments) && ReadCommentList(in, 1, comments) &&
-                 ReadCommentList(in, 2, comments);
-    int32_t hasModelComment = whole ? in.I32() : 0;
-    std::vector<char> modelComment;
-    if (whole && !in.Short && hasModelComment == 1) {
-      int32_t length = in.I32();
-      if (in.Short || length < 0 || !in.Has(static_cast<size_t>(length))) {
-        whole = false;
-      } else {
-        modelComment.assign(in.Data + in.Pos, in.Data + in.Pos + length);
-        in.Pos += static_cast<size_t>(length);
-      }
-    }
-    if (!whole || in.Short) return true;
-    // A comment whose index is outside its list was read and is dropped.
-    for (PendingComment &c : comments) {
-      if (c.Index < 0) continue;
-      size_t index = static_cast<size_t>(c.Index);
-      if (c.List == 0 && index < Groups.size()) Groups[index].Comment = std::move(c.Text);
-      if (c.List == 1 && index < Materials.size()) Materials[index].Comment = std::move(c.Text);
-      if (c.List == 2 && index < Joints.size()) Joints[index].Comment = std::move(c.Text);
-    }
-    if (hasModelComment == 1) Comment = std::move(modelComment);
-  }
+  // The optional sections, strictly in order. A sub-version that isn't
+  // understood ends its section right behind it.
+  int32_t sub;
+  if (!NextSection(in, sub) || (sub == 1 && !ReadComments(in, *this))) return true;
   CommentsSubVersion = sub;
-
-  // Vertex extras: sub-version 2 has Extra, 1 has not.
-  if (in.AtEnd()) return true;
-  sub = in.I32();
-  if (in.Short) return true;
-  if (sub == 1 || sub == 2) {
-    size_t size = sub == 2 ? 10 : 6;
-    if (!in.HasRecords(Vertices.size(), size)) return true;
-    for (msVertex &v : Vertices) {
-      for (int k = 0; k < 3; k++) v.BoneIds[k] = in.I8();
-      for (int k = 0; k < 3; k++) v.BoneWeights[k] = in.U8();
-      if (sub == 2) v.Extra = in.U32();
-    }
-  }
+  if (!NextSection(in, sub) || ((sub == 1 || sub == 2) && !ReadVertexExtras(in, Vertices, sub == 2))) return true;
   VertexExtraSubVersion = sub;
-
-  // Joint extras: the colour of each joint.
-  if (in.AtEnd()) return true;
-  sub = in.I32();
-  if (in.Short) return true;
-  if (sub == 1) {
-    if (!in.HasRecords(Joints.size(), 12)) return true;
-    for (msJoint &j : Joints) in.Floats(j.Color, 3);
-  }
+  if (!NextSection(in, sub) || (sub == 1 && !ReadJointColours(in, Joints))) return true;
   JointExtraSubVersion = sub;
-
-  // Model extras.
-  if (in.AtEnd()) return true;
-  sub = in.I32();
-  if (in.Short) return true;
-  if (sub == 1) {
-    if (!in.Has(12)) return true;
-    JointSize = in.F32();
-    TransparencyMode = in.I32();
-    AlphaRef = in.F32();
-  }
+  if (!NextSection(in, sub) || (sub == 1 && !ReadModelExtras(in, *this))) return true;
   ModelExtraSubVersion = sub;
   return true;
 }

@@ -11,6 +11,16 @@
 #undef CurrentTime
 #endif
 
+// Widths of the text fields in the file. A text that fills its field has no
+// terminator there; the fields in memory are one byte wider, so such a text
+// keeps every character and still ends in one.
+const int MS_NAME_WIDTH = 32;
+const int MS_PATH_WIDTH = 128;
+
+// Bits of msMaterial::Mode.
+const uint8_t MS_MODE_BLENDED = 0x40;
+const uint8_t MS_MODE_SPHERE_MAP = 0x80;
+
 struct msVertex {
   uint8_t Flags = 0;
   float Position[3] = {0, 0, 0};
@@ -33,14 +43,14 @@ struct msTriangle {
 
 struct msGroup {
   uint8_t Flags = 0;
-  char Name[32] = {};
+  char Name[MS_NAME_WIDTH + 1] = {};
   std::vector<uint16_t> TriangleIndices;
   int8_t MaterialIndex = -1;
   std::vector<char> Comment;
 };
 
 struct msMaterial {
-  char Name[32] = {};
+  char Name[MS_NAME_WIDTH + 1] = {};
   float Ambient[4] = {0, 0, 0, 0};
   float Diffuse[4] = {0, 0, 0, 0};
   float Specular[4] = {0, 0, 0, 0};
@@ -48,8 +58,8 @@ struct msMaterial {
   float Shininess = 0;
   float Transparency = 1;
   uint8_t Mode = 0;
-  char Texture[128] = {};
-  char AlphaMap[128] = {};
+  char Texture[MS_PATH_WIDTH + 1] = {};
+  char AlphaMap[MS_PATH_WIDTH + 1] = {};
   uint32_t TextureId = 0;
   std::vector<char> Comment;
 };
@@ -66,8 +76,8 @@ struct msTangent {
 
 struct msJoint {
   uint8_t Flags = 0;
-  char Name[32] = {};
-  char ParentName[32] = {};
+  char Name[MS_NAME_WIDTH + 1] = {};
+  char ParentName[MS_NAME_WIDTH + 1] = {};
   float Rotation[3] = {0, 0, 0};
   float Position[3] = {0, 0, 0};
   std::vector<msKeyframe> RotationKeys;
@@ -110,9 +120,9 @@ public:
   void SetupTangents();
   void SetFrame(float frame);
   void EvaluateJoint(int index, float frame);
-  void TransformVertex(const msVertex &vertex, float out[3]) const;
-  void TransformNormal(const msVertex &vertex, const float normal[3], float out[3]) const;
-  void GetVertexBonesAndWeights(const msVertex &vertex, int bones[4], int weights[4]) const;
+  void TransformVertex(const msVertex &vertex, float (&out)[3]) const;
+  void TransformNormal(const msVertex &vertex, const float (&normal)[3], float (&out)[3]) const;
+  void GetVertexBonesAndWeights(const msVertex &vertex, int (&bones)[4], int (&weights)[4]) const;
 
   // When false, Load reads textures' paths but uploads nothing (tools that
   // have no GL context); the material keeps its name and TextureId stays 0.

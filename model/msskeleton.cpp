@@ -1,5 +1,6 @@
 // Skeleton evaluation of msModel: bind pose, keyframe interpolation and the
 // skinning of vertices and normals by up to four weighted joints.
+#include <algorithm>
 #include <cstring>
 
 #include "model/mathlib.h"
@@ -7,14 +8,28 @@
 
 namespace {
 
-void CopyMatrix(const float from[3][4], float to[3][4]) { std::memcpy(to, from, sizeof(float) * 12); }
+void CopyMatrix(const float (&from)[3][4], float (&to)[3][4]) { std::memcpy(to, from, sizeof to); }
 
-// Index of the lowest key i with Time[i] <= frame < Time[i + 1], or -1.
-int FindInterval(const std::vector<msKeyframe> &keys, float frame) {
+// Where a frame falls among keys: between key I and key I + 1, the lowest
+// such pair, at fraction T; or, with I at -1, on the end key End (the first
+// when the frame is before it, else the last).
+struct KeySpan {
+  int I = -1;
+  float T = 0;
+  const msKeyframe *End = nullptr;
+};
+
+KeySpan FindSpan(const std::vector<msKeyframe> &keys, float frame) {
+  KeySpan span;
   for (size_t i = 0; i + 1 < keys.size(); i++) {
-    if (keys[i].Time <= frame && frame < keys[i + 1].Time) return static_cast<int>(i);
+    if (keys[i].Time <= frame && frame < keys[i + 1].Time) {
+      span.I = static_cast<int>(i);
+      span.T = (frame - keys[i].Time) / (keys[i + 1].Time - keys[i].Time);
+      return span;
+    }
   }
-  return -1;
+  span.End = frame >= keys.back().Time ? &keys.back() : &keys.front();
+  return span;
 }
 
 // A joint is posed relative to its parent only when the parent stands before
@@ -82,18 +97,16 @@ void msModel::SetFrame(float frame) {
 }
 
 void msModel::EvaluateJoint(int index, float frame) {
-  if (index < 0 || static_cast<size_t>(index) >= Joints.size()) return;
   msJoint &joint = Joints[index];
 
   float pos[3] = {0, 0, 0};
   const std::vector<msKeyframe> &pk = joint.PositionKeys;
   if (!pk.empty()) {
-    int i = FindInterval(pk, frame);
-    if (i >= 0) {
-      const msKeyframe &k0 = pk[i];
-      const msKeyframe &k1 = pk[i + 1];
-      float t = (frame - k0.Time) / (k1.Time - k0.Time);
-      float t2 = t * t, t3 = t2 * t;
+    KeySpan span = FindSpan(pk, frame);
+    if (span.I >= 0) {
+      const msKeyframe &k0 = pk[span.I];
+      const msKeyframe &k1 = pk[span.I + 1];
+      float t = span.T, t2 = t * t, t3 = t2 * t;
       float h1 = 2 * t3 - 3 * t2 + 1;
       float h2 = -2 * t3 + 3 * t2;
       float h3 = t3 - 2 * t2 + t;
@@ -101,31 +114,26 @@ void msModel::EvaluateJoint(int index, float frame) {
       // Tangents are made by SetupTangents; without them the curve has none.
       bool tangents = joint.Tangents.size() == pk.size();
       for (int c = 0; c < 3; c++) {
-        float out = tangents ? joint.Tangents[i].TangentOut[c] : 0.0f;
-        float in = tangents ? joint.Tangents[i + 1].TangentIn[c] : 0.0f;
+        float out = tangents ? joint.Tangents[span.I].TangentOut[c] : 0.0f;
+        float in = tangents ? joint.Tangents[span.I + 1].TangentIn[c] : 0.0f;
         pos[c] = h1 * k0.Value[c] + h2 * k1.Value[c] + h3 * out + h4 * in;
       }
-    } else if (frame < pk.front().Time) {
-      std::memcpy(pos, pk.front().Value, sizeof pos);
-    } else if (frame >= pk.back().Time) {
-      std::memcpy(pos, pk.back().Value, sizeof pos);
+    } else {
+      std::memcpy(pos, span.End->Value, sizeof pos);
     }
   }
 
-  float q[4] = {0, 0, 0, 1};
+  float q[4] = {0.0f, 0.0f, 0.0f, 1.0f};
   const std::vector<msKeyframe> &rk = joint.RotationKeys;
   if (!rk.empty()) {
-    int i = FindInterval(rk, frame);
-    if (i >= 0) {
-      float t = (frame - rk[i].Time) / (rk[i + 1].Time - rk[i].Time);
+    KeySpan span = FindSpan(rk, frame);
+    if (span.I >= 0) {
       float q1[4], q2[4];
-      AngleQuaternion(rk[i].Value, q1);
-      AngleQuaternion(rk[i + 1].Value, q2);
-      QuaternionSlerp(q1, q2, t, q);
-    } else if (frame < rk.front().Time) {
-      AngleQuaternion(rk.front().Value, q);
-    } else if (frame >= rk.back().Time) {
-      AngleQuaternion(rk.back().Value, q);
+      AngleQuaternion(rk[span.I].Value, q1);
+      AngleQuaternion(rk[span.I + 1].Value, q2);
+      QuaternionSlerp(q1, q2, span.T, q);
+    } else {
+      AngleQuaternion(span.End->Value, q);
     }
   }
 
@@ -140,7 +148,7 @@ void msModel::EvaluateJoint(int index, float frame) {
   }
 }
 
-void msModel::GetVertexBonesAndWeights(const msVertex &vertex, int bones[4], int weights[4]) const {
+void msModel::GetVertexBonesAndWeights(const msVertex &vertex, int (&bones)[4], int (&weights)[4]) const {
   bones[0] = vertex.BoneId;
   for (int k = 0; k < 3; k++) bones[k + 1] = vertex.BoneIds[k];
   if (vertex.BoneWeights[0] == 0 && vertex.BoneWeights[1] == 0 && vertex.BoneWeights[2] == 0) {
@@ -154,75 +162,50 @@ void msModel::GetVertexBonesAndWeights(const msVertex &vertex, int bones[4], int
 
 namespace {
 
-// The joints and weights that skin a vertex; false when it stays as stored.
-struct Skin {
-  int Count = 0;
-  int Bones[4] = {0, 0, 0, 0};
-  float Weights[4] = {0, 0, 0, 0};
-};
+// d times the transpose of the joint's bind rotation: from the bind pose into
+// the joint's own space.
+void IntoJointSpace(const float (&m)[3][4], const float (&d)[3], float (&p)[3]) {
+  for (int c = 0; c < 3; c++) p[c] = d[0] * m[0][c] + d[1] * m[1][c] + d[2] * m[2][c];
+}
 
-bool GetSkin(const msModel &model, const msVertex &vertex, Skin &skin) {
+// A vertex's position (a point, which the joints also move) or one of its
+// normals (a direction, which they only turn) in the current pose.
+void Skin(const msModel &model, const msVertex &vertex, const float (&value)[3], bool point, float (&out)[3]) {
   int bones[4], weights[4];
   model.GetVertexBonesAndWeights(vertex, bones, weights);
   int joints = static_cast<int>(model.Joints.size());
-  if (bones[0] < 0 || bones[0] >= joints || model.CurrentTime < 0.0f) return false;
+  if (bones[0] < 0 || bones[0] >= joints || model.CurrentTime < 0.0f) {
+    std::memcpy(out, value, sizeof out);
+    return;
+  }
   int count = 0;
   while (count < 4 && weights[count] > 0 && bones[count] >= 0 && bones[count] < joints) count++;
-  for (int k = 0; k < 4; k++) {
-    skin.Bones[k] = bones[k];
-    skin.Weights[k] = static_cast<float>(weights[k] / 100.0);
-  }
+  // A vertex whose first weight is 0 still follows its first joint, wholly.
   if (count == 0) {
     count = 1;
-    skin.Weights[0] = 1.0f;
+    weights[0] = 100;
   }
-  skin.Count = count;
-  return true;
-}
-
-// d times the transpose of the joint's bind rotation: from the bind pose into
-// the joint's own space.
-void IntoJointSpace(const float m[3][4], const float d[3], float p[3]) {
-  for (int c = 0; c < 3; c++) p[c] = d[0] * m[0][c] + d[1] * m[1][c] + d[2] * m[2][c];
+  float result[3] = {0, 0, 0};
+  for (int k = 0; k < count; k++) {
+    const msJoint &joint = model.Joints[bones[k]];
+    float d[3], p[3];
+    for (int c = 0; c < 3; c++) d[c] = point ? value[c] - joint.GlobalSkeleton[c][3] : value[c];
+    IntoJointSpace(joint.GlobalSkeleton, d, p);
+    float weight = static_cast<float>(weights[k] / 100.0);
+    for (int r = 0; r < 3; r++) {
+      const float *g = joint.Global[r];
+      result[r] += (g[0] * p[0] + g[1] * p[1] + g[2] * p[2] + (point ? g[3] : 0.0f)) * weight;
+    }
+  }
+  std::memcpy(out, result, sizeof result);
 }
 
 }  // namespace
 
-void msModel::TransformVertex(const msVertex &vertex, float out[3]) const {
-  Skin skin;
-  if (!GetSkin(*this, vertex, skin)) {
-    std::memcpy(out, vertex.Position, sizeof(float) * 3);
-    return;
-  }
-  float result[3] = {0, 0, 0};
-  for (int k = 0; k < skin.Count; k++) {
-    const msJoint &joint = Joints[skin.Bones[k]];
-    float d[3], p[3];
-    for (int c = 0; c < 3; c++) d[c] = vertex.Position[c] - joint.GlobalSkeleton[c][3];
-    IntoJointSpace(joint.GlobalSkeleton, d, p);
-    for (int r = 0; r < 3; r++) {
-      float v = joint.Global[r][0] * p[0] + joint.Global[r][1] * p[1] + joint.Global[r][2] * p[2] + joint.Global[r][3];
-      result[r] += v * skin.Weights[k];
-    }
-  }
-  std::memcpy(out, result, sizeof result);
+void msModel::TransformVertex(const msVertex &vertex, float (&out)[3]) const {
+  Skin(*this, vertex, vertex.Position, true, out);
 }
 
-void msModel::TransformNormal(const msVertex &vertex, const float normal[3], float out[3]) const {
-  Skin skin;
-  if (!GetSkin(*this, vertex, skin)) {
-    std::memcpy(out, normal, sizeof(float) * 3);
-    return;
-  }
-  float result[3] = {0, 0, 0};
-  for (int k = 0; k < skin.Count; k++) {
-    const msJoint &joint = Joints[skin.Bones[k]];
-    float p[3];
-    IntoJointSpace(joint.GlobalSkeleton, normal, p);
-    for (int r = 0; r < 3; r++) {
-      float v = joint.Global[r][0] * p[0] + joint.Global[r][1] * p[1] + joint.Global[r][2] * p[2];
-      result[r] += v * skin.Weights[k];
-    }
-  }
-  std::memcpy(out, result, sizeof result);
+void msModel::TransformNormal(const msVertex &vertex, const float (&normal)[3], float (&out)[3]) const {
+  Skin(*this, vertex, normal, false, out);
 }

@@ -10,23 +10,6 @@
 #include "rvk/console.h"
 #include "rvk/messagebox.h"
 
-typedef void (*SetPartFunction)(PlayerClass &, int32_t, bool);
-
-static SetPartFunction SetPartOfUpdate(int32_t type) {
-  switch (type) {
-    case 22: return SetCharacter;
-    case 23: return SetEyes;
-    case 24: return SetEars;
-    case 25: return SetNose;
-    case 26: return SetMouth;
-    case 27: return SetEyebrows;
-    case 28: return SetMoustache;
-    case 29: return SetFeet;
-    case 30: return SetHat;
-    default: return nullptr;
-  }
-}
-
 // "Update Joined": the new count first, then the newcomer's ID. A count that
 // is no roster size, or that would cut off the local record, is ignored: the
 // roster always holds the local player and never more than MAX_PLAYERS.
@@ -49,45 +32,41 @@ static void UpdatePlayerId(const PacketFieldList &fields) {
   game.Players[number].PlayerId = std::atoi(NP_FieldText(fields, 1));
 }
 
-static bool VersionInfo(PacketFieldList &fields) {
+static bool VersionInfo(const PacketFieldList &fields) {
   std::string server = NP_FieldText(fields, 0);
   if (server == TUMBLEKIN_VERSION) {
     RVK_Message("Client and server versions match (%s)", server.c_str());
     return true;
   }
   RVK_MessageBox("Incorrect version, client is %s, server is %s", TUMBLEKIN_VERSION, server.c_str());
-  fields.clear();
   return false;
 }
 
-bool NET_ClientDispatch(int32_t type, PacketFieldList &fields) {
+bool NET_ClientDispatch(int32_t type, const PacketFieldList &fields) {
   GameClass &game = Game;
   switch (type) {
-    case 18: UpdateJoined(fields); return true;
-    case 19: UpdatePlayerId(fields); return true;
-    case 51: RVK_Message("Recieved ping reply from server"); return true;
-    case 53: return VersionInfo(fields);
+    case NP_UPDATE_JOINED: UpdateJoined(fields); return true;
+    case NP_UPDATE_PLAYER_ID: UpdatePlayerId(fields); return true;
+    case NP_PONG: RVK_Message("Recieved ping reply from server"); return true;
+    case NP_VERSION_INFO: return VersionInfo(fields);
     default: break;
   }
-  if (type == 20 || (type >= 21 && type <= 33)) {
+  if (type >= NP_UPDATE_QUIT && type <= NP_UPDATE_EYEBROWS_Y) {
     int number = game.GetPlayerNumber(std::atoi(NP_FieldText(fields, 0)));
     if (number == -1) return true;
     PlayerClass &player = game.Players[number];
-    if (type == 20) {
-      if (number == 0) {
-        fields.clear();
-        return false;
-      }
+    if (type == NP_UPDATE_QUIT) {
+      if (number == 0) return false;
       NET_RemovePlayer(number);
-    } else if (type == 21) {
+    } else if (type == NP_UPDATE_PLAYER_NAME) {
       player.PlayerName = NP_FieldText(fields, 1);
-    } else if (SetPartFunction setPart = SetPartOfUpdate(type)) {
+    } else if (SetPartFunction setPart = NET_SetPartOf(type, NP_UPDATE_CHARACTER)) {
       setPart(player, std::atoi(NP_FieldText(fields, 1)), false);
-    } else if (type == 31) {
+    } else if (type == NP_UPDATE_EYES_ORI_X) {
       player.EyesOriTarget[0] = (float)std::atof(NP_FieldText(fields, 1));
-    } else if (type == 32) {
+    } else if (type == NP_UPDATE_EYES_ORI_Y) {
       player.EyesOriTarget[1] = (float)std::atof(NP_FieldText(fields, 1));
-    } else if (type == 33) {
+    } else if (type == NP_UPDATE_EYEBROWS_Y) {
       player.EyebrowsY = (float)std::atof(NP_FieldText(fields, 1));
     }
     return true;
@@ -96,18 +75,18 @@ bool NET_ClientDispatch(int32_t type, PacketFieldList &fields) {
   return true;
 }
 
+// Each packet's fields are parsed into a list of their own, so nothing of
+// one packet is left over for the next.
 bool NET_ClientPoll() {
   if (!NetHost) return true;
   ENetEvent event;
-  PacketFieldList fields;
   while (enet_host_service(NetHost, &event, 0) > 0) {
     if (event.type == ENET_EVENT_TYPE_DISCONNECT) return false;
     if (event.type != ENET_EVENT_TYPE_RECEIVE) continue;
+    PacketFieldList fields;
     int32_t type = NP_ParsePacket(fields, event.packet->data, event.packet->dataLength);
     enet_packet_destroy(event.packet);
-    bool goOn = NET_ClientDispatch(type, fields);
-    fields.clear();
-    if (!goOn) return false;
+    if (!NET_ClientDispatch(type, fields)) return false;
   }
   return true;
 }

@@ -8,4 +8,4 @@ bool NET_ClientPoll();
 
 // The handling of one parsed packet from the server; false when the game is
 // over. Apart from ENet so that it can be driven directly.
-bool NET_ClientDispatch(int32_t type, PacketFieldList &fields);
+bool NET_ClientDispatch(int32_t type, const PacketFieldList &fields);

@@ -26,7 +26,37 @@ public:
   const char *Label;
   std::string *Setting;
   unsigned short MaxLength;
+  bool IsPort;
 };
+
+static const uint32_t MAX_PORT = 65535;
+
+bool NET_ParsePort(const std::string &text, uint16_t &port) {
+  uint32_t value = 0;
+  for (char c : text) {
+    if (c < '0' || c > '9') return false;
+    value = value * 10 + (uint32_t)(c - '0');
+    // Checked at every digit, so that a long text can't overflow.
+    if (value > MAX_PORT) return false;
+  }
+  if (value == 0) return false;
+  port = (uint16_t)value;
+  return true;
+}
+
+// The first port field whose text is no port, told in a box; true if all are
+// ports. A bad port is refused here rather than turned into another one.
+static bool PortsAreSound(const DialogFieldClass *fields, const TextFieldClass *text, int fieldCount) {
+  for (int i = 0; i < fieldCount; i++) {
+    uint16_t port;
+    if (fields[i].IsPort && !NET_ParsePort(text[i].GetText(), port)) {
+      RVK_MessageBox("%s must be a number from 1 to %u, not \"%s\"", fields[i].Label, MAX_PORT,
+                     text[i].GetText());
+      return false;
+    }
+  }
+  return true;
+}
 
 // One dialog of the multiplayer menu: a 600 by 400 window with two buttons in
 // its lower right corner and a column of text fields. True for the first button.
@@ -63,12 +93,13 @@ static bool RunDialog(const char *title, const char *okCaption, const char *okIc
     RVK_DrawConsole();
     RVK_WaitFrame();
     RVK_EndFrame();
-    if (ok.Pressed) {
+    if (ok.Pressed && PortsAreSound(fields, text, fieldCount)) {
       for (int i = 0; i < fieldCount; i++) *fields[i].Setting = text[i].GetText();
       result = true;
       break;
     }
-    if (cancel.Pressed) break;
+    // A request to close the program leaves the dialog as Cancel does.
+    if (cancel.Pressed || RVK_CloseRequested()) break;
   }
   for (int i = 0; i < fieldCount; i++) text[i].ReleaseFocusId();
   return result;
@@ -76,17 +107,17 @@ static bool RunDialog(const char *title, const char *okCaption, const char *okIc
 
 bool HostGameDialog() {
   const DialogFieldClass fields[] = {
-      {"Local Player Name", &Config.PlayerName, 16},
-      {"Local Server Port", &Config.LocalServerPort, 10},
+      {"Local Player Name", &Config.PlayerName, 16, false},
+      {"Local Server Port", &Config.LocalServerPort, 10, true},
   };
   return RunDialog("Host New Game Server", "Start Game", "server", fields, 2);
 }
 
 bool ConnectGameDialog() {
   const DialogFieldClass fields[] = {
-      {"Player Name", &Config.PlayerName, 16},
-      {"Server IP or Name", &Config.RemoteServerAddress, 24},
-      {"Server Port", &Config.RemoteServerPort, 10},
+      {"Player Name", &Config.PlayerName, 16, false},
+      {"Server IP or Name", &Config.RemoteServerAddress, 24, false},
+      {"Server Port", &Config.RemoteServerPort, 10, true},
   };
   return RunDialog("Connect to Existing Server", "Connect", "connect", fields, 3);
 }
@@ -121,7 +152,12 @@ void NET_ShutdownNetwork() {
   NetworkInitialised = false;
 }
 
-static enet_uint16 PortOf(const std::string &text) { return (enet_uint16)std::atoi(text.c_str()); }
+// The dialogs let no other text through; anything else would be port 0.
+static enet_uint16 PortOf(const std::string &text) {
+  uint16_t port = 0;
+  NET_ParsePort(text, port);
+  return port;
+}
 
 bool NET_StartServer() {
   if (!NET_InitNetwork()) return false;
@@ -146,7 +182,7 @@ bool NET_StartServer() {
 static void WaitForEscRelease() {
   for (;;) {
     if (keyboard_needs_poll()) poll_keyboard();
-    if (!key[KEY_ESC]) break;
+    if (!key[KEY_ESC] || RVK_CloseRequested()) break;
     rest(1);
   }
 }
@@ -163,9 +199,8 @@ static bool CancelConnection() {
 // clamped number would make this client another player's record, and the
 // wait simply goes on until a sound one comes or the user presses Esc.
 static bool ApplyPlayerNumber(const PacketFieldList &fields) {
-  if (fields.size() < 2) return false;
-  int number = std::atoi(fields[0].c_str());
-  int count = std::atoi(fields[1].c_str());
+  int number = std::atoi(NP_FieldText(fields, 0));
+  int count = std::atoi(NP_FieldText(fields, 1));
   if (count < 1 || count > MAX_PLAYERS || number < 0 || number >= count) return false;
   Game.SetPlayerCount(count, true);
   for (PlayerClass &player : Game.Players) ResetPlayer(player);
@@ -229,7 +264,7 @@ bool NET_ConnectToServer() {
       }
     }
     if (keyboard_needs_poll()) poll_keyboard();
-    if (key[KEY_ESC]) {
+    if (key[KEY_ESC] || RVK_CloseRequested()) {
       WaitForEscRelease();
       return CancelConnection();
     }
@@ -247,7 +282,7 @@ bool NET_ConnectToServer() {
     RVK_WaitFrame();
     RVK_EndFrame();
     if (keyboard_needs_poll()) poll_keyboard();
-    if (key[KEY_ESC]) {
+    if (key[KEY_ESC] || RVK_CloseRequested()) {
       WaitForEscRelease();
       return CancelConnection();
     }
@@ -255,10 +290,11 @@ bool NET_ConnectToServer() {
       if (event.type == ENET_EVENT_TYPE_DISCONNECT) return CancelConnection();
       if (event.type == ENET_EVENT_TYPE_RECEIVE) {
         int32_t type = NP_ParsePacket(fields, event.packet->data, event.packet->dataLength);
-        if (type == 40 && ApplyPlayerNumber(fields))
+        if (type == NP_SET_PLAYER_NUMBER && ApplyPlayerNumber(fields))
           numbered = true;
         else
-          RVK_Message("Ignored unexpected packet (type %d)", type);
+          // A packet that the parser dropped is named by its own type byte.
+          RVK_Message("Ignored unexpected packet (type %d)", event.packet->dataLength ? event.packet->data[0] : type);
         fields.clear();
         enet_packet_destroy(event.packet);
       }
@@ -266,6 +302,6 @@ bool NET_ConnectToServer() {
     turn++;
   }
 
-  NP_SendPacket(NP_TO_SERVER, 1, "%s", NP_EscapeText(Config.PlayerName.c_str()).c_str());
+  NP_SendPacket(NP_TO_SERVER, NP_REPORT_PLAYER_NAME, "%s", NP_EscapeText(Config.PlayerName.c_str()).c_str());
   return true;
 }

@@ -2,7 +2,7 @@
 #include "net/netstate.h"
 
 bool NetworkInitialised = false;
-int32_t SavedSwitchMode = 0;
+int32_t SavedSwitchMode;
 ENetHost *NetHost = nullptr;
 ENetPeer *ServerPeer = nullptr;
 ENetPeer *ClientPeers[MAX_PLAYERS] = {nullptr};

@@ -1,6 +1,7 @@
 // The packet table and the wire format: rows from parameter descriptions, the
 // encoder of one argument line and the decoder of one received packet.
 #include "net/packets.h"
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -21,70 +22,66 @@ static uint8_t FieldCodeForLetter(char letter) {
 }
 
 void NP_RegisterPacket(int type, const char *name, const char *description) {
-  if (type < 0 || type >= PACKET_TYPE_COUNT) return;
   PacketTableRow &row = PacketTable[type];
-  std::memset(row.FieldTypes, 0, sizeof(row.FieldTypes));
-  row.Name = name ? name : "";
-  if (!description) return;
+  row = PacketTableRow();
+  row.Name = name;
   int count = 0;
-  const char *p = description;
-  bool fieldStart = true;
+  // A field begins at the start and behind each comma, one blank skipped.
   // The last byte of FieldTypes stays the terminating zero: 31 fields at most.
-  while (*p && count < PACKET_FIELD_TYPES_SIZE - 1) {
-    if (fieldStart) {
-      uint8_t code = FieldCodeForLetter(*p);
-      if (code) row.FieldTypes[count++] = code;
-      fieldStart = false;
-    }
-    if (*p == ',') {
-      fieldStart = true;
-      if (p[1] == ' ') p++;
-    }
-    p++;
+  for (const char *p = description; count < PACKET_FIELD_TYPES_SIZE - 1; p += p[1] == ' ' ? 2 : 1) {
+    if (uint8_t code = FieldCodeForLetter(*p)) row.FieldTypes[count++] = code;
+    p = std::strchr(p, ',');
+    if (!p) break;
   }
 }
 
-int NP_FieldCount(int type) {
-  if (type < 0 || type >= PACKET_TYPE_COUNT) return 0;
-  int count = 0;
-  while (count < PACKET_FIELD_TYPES_SIZE && PacketTable[type].FieldTypes[count]) count++;
-  return count;
+int NP_FieldCount(uint8_t type) {
+  return type < PACKET_TYPE_COUNT ? (int)std::strlen((const char *)PacketTable[type].FieldTypes) : 0;
 }
+
+// Each row's type, name and parameter description; only the first letter of
+// each parameter counts, the names after it are documentation.
+static const struct {
+  int Type;
+  const char *Name, *Description;
+} PacketRows[] = {
+    {NP_REPORT_QUIT, "Report Quit", ""},
+    {NP_REPORT_PLAYER_NAME, "Report Player Name", "text PlayerName"},
+    {NP_REPORT_CHARACTER, "Report Character", "short int ChracterNumber"},
+    {NP_REPORT_EYES, "Report Eyes", "short int EyesNumber"},
+    {NP_REPORT_EARS, "Report Ears", "short int EarsNumber"},
+    {NP_REPORT_NOSE, "Report Nose", "short int NoseNumber"},
+    {NP_REPORT_MOUTH, "Report Mouth", "short int MouthNumber"},
+    {NP_REPORT_EYEBROWS, "Report Eyebrows", "short int EyebrowsNumber"},
+    {NP_REPORT_MOUSTACHE, "Report Moustache", "short int MoustacheNumber"},
+    {NP_REPORT_FEET, "Report Feet", "short int FeetNumber"},
+    {NP_REPORT_HAT, "Report Hat", "short int HatNumber"},
+    {NP_UPDATE_JOINED, "Update Joined", "short int PlayerId, short int PlayerCount"},
+    {NP_UPDATE_PLAYER_ID, "Update Player ID", "short int PlayerId, short int NewPlayerId"},
+    {NP_UPDATE_QUIT, "Update Quit", "short int PlayerId"},
+    {NP_UPDATE_PLAYER_NAME, "Update Player Name", "short int PlayerId, text PlayerName"},
+    {NP_UPDATE_CHARACTER, "Update Character", "short int PlayerId, short int CharacterNumber"},
+    {NP_UPDATE_EYES, "Update Eyes", "short int PlayerId, short int EyesNumber"},
+    {NP_UPDATE_EARS, "Update Ears", "short int PlayerId, short int EarsNumber"},
+    {NP_UPDATE_NOSE, "Update Nose", "short int PlayerId, short int NoseNumber"},
+    {NP_UPDATE_MOUTH, "Update Mouth", "short int PlayerId, short int MouthNumber"},
+    {NP_UPDATE_EYEBROWS, "Update Eyebrows", "short int PlayerId, short int EyebrowsNumber"},
+    {NP_UPDATE_MOUSTACHE, "Update Moustache", "short int PlayerId, short int MoustacheNumber"},
+    {NP_UPDATE_FEET, "Update Feet", "short int PlayerId, short int FeetNumber"},
+    {NP_UPDATE_HAT, "Update Hat", "short int PlayerId, short int HatNumber"},
+    {NP_UPDATE_EYES_ORI_X, "Update Eyes Ori X", "short int PlayerId, float x"},
+    {NP_UPDATE_EYES_ORI_Y, "Update Eyes Ori Y", "short int PlayerId, float y"},
+    {NP_UPDATE_EYEBROWS_Y, "Update Eyebrows Y", "short int PlayerId, float y"},
+    {NP_SET_PLAYER_NUMBER, "Set Player Number", "short int NewPlayerNumber, short int PlayerCount"},
+    {NP_PING, "Ping", ""},
+    {NP_PONG, "Pong", ""},
+    {NP_CONSOLE_MESSAGE, "Console Message", "short int PlayerId, int TextColour, text message"},
+    {NP_VERSION_INFO, "Version Info", "text info"},
+};
 
 void NP_InitPacketTable() {
   for (int type = 0; type < PACKET_TYPE_COUNT; type++) NP_RegisterPacket(type, "", "");
-  NP_RegisterPacket(0, "Report Quit", "");
-  NP_RegisterPacket(1, "Report Player Name", "text PlayerName");
-  NP_RegisterPacket(2, "Report Character", "short int ChracterNumber");
-  NP_RegisterPacket(3, "Report Eyes", "short int EyesNumber");
-  NP_RegisterPacket(4, "Report Ears", "short int EarsNumber");
-  NP_RegisterPacket(5, "Report Nose", "short int NoseNumber");
-  NP_RegisterPacket(6, "Report Mouth", "short int MouthNumber");
-  NP_RegisterPacket(7, "Report Eyebrows", "short int EyebrowsNumber");
-  NP_RegisterPacket(8, "Report Moustache", "short int MoustacheNumber");
-  NP_RegisterPacket(9, "Report Feet", "short int FeetNumber");
-  NP_RegisterPacket(10, "Report Hat", "short int HatNumber");
-  NP_RegisterPacket(18, "Update Joined", "short int PlayerId, short int PlayerCount");
-  NP_RegisterPacket(19, "Update Player ID", "short int PlayerId, short int NewPlayerId");
-  NP_RegisterPacket(20, "Update Quit", "short int PlayerId");
-  NP_RegisterPacket(21, "Update Player Name", "short int PlayerId, text PlayerName");
-  NP_RegisterPacket(22, "Update Character", "short int PlayerId, short int CharacterNumber");
-  NP_RegisterPacket(23, "Update Eyes", "short int PlayerId, short int EyesNumber");
-  NP_RegisterPacket(24, "Update Ears", "short int PlayerId, short int EarsNumber");
-  NP_RegisterPacket(25, "Update Nose", "short int PlayerId, short int NoseNumber");
-  NP_RegisterPacket(26, "Update Mouth", "short int PlayerId, short int MouthNumber");
-  NP_RegisterPacket(27, "Update Eyebrows", "short int PlayerId, short int EyebrowsNumber");
-  NP_RegisterPacket(28, "Update Moustache", "short int PlayerId, short int MoustacheNumber");
-  NP_RegisterPacket(29, "Update Feet", "short int PlayerId, short int FeetNumber");
-  NP_RegisterPacket(30, "Update Hat", "short int PlayerId, short int HatNumber");
-  NP_RegisterPacket(31, "Update Eyes Ori X", "short int PlayerId, float x");
-  NP_RegisterPacket(32, "Update Eyes Ori Y", "short int PlayerId, float y");
-  NP_RegisterPacket(33, "Update Eyebrows Y", "short int PlayerId, float y");
-  NP_RegisterPacket(40, "Set Player Number", "short int NewPlayerNumber, short int PlayerCount");
-  NP_RegisterPacket(50, "Ping", "");
-  NP_RegisterPacket(51, "Pong", "");
-  NP_RegisterPacket(52, "Console Message", "short int PlayerId, int TextColour, text message");
-  NP_RegisterPacket(53, "Version Info", "text info");
+  for (const auto &row : PacketRows) NP_RegisterPacket(row.Type, row.Name, row.Description);
 }
 
 // ---- Texts ------------------------------------------------------------------
@@ -120,68 +117,50 @@ std::string NP_EscapeText(const char *text) {
 
 // ---- Encoding ---------------------------------------------------------------
 
-static void PutLE(uint8_t *p, uint32_t value, int bytes) {
-  for (int i = 0; i < bytes; i++) p[i] = (uint8_t)(value >> (8 * i));
+// The bytes of a field on the wire; a text has its bytes behind these two,
+// which hold its length.
+static size_t FieldSize(uint8_t code) {
+  switch (code) {
+    case FIELD_CHAR: return 1;
+    case FIELD_SHORT:
+    case FIELD_TEXT: return 2;
+    default: return 4;
+  }
 }
 
-static uint32_t GetLE(const uint8_t *p, int bytes) {
+static void PutLE(uint8_t *p, uint32_t value, size_t bytes) {
+  for (size_t i = 0; i < bytes; i++) p[i] = (uint8_t)(value >> (8 * i));
+}
+
+static uint32_t GetLE(const uint8_t *p, size_t bytes) {
   uint32_t value = 0;
-  for (int i = 0; i < bytes; i++) value |= (uint32_t)p[i] << (8 * i);
+  for (size_t i = 0; i < bytes; i++) value |= (uint32_t)p[i] << (8 * i);
   return value;
 }
 
 int NP_EncodePacket(uint8_t type, const char *line, uint8_t *buffer, int size) {
-  if (!buffer || size < 2) return 0;
-  int at = 0;
+  // Room for the type byte and the closing zero, and then for every field.
+  if (size < 2) return 0;
+  size_t at = 0;
   buffer[at++] = type;
-  if (type < PACKET_TYPE_COUNT) {
-    const uint8_t *codes = PacketTable[type].FieldTypes;
-    for (int i = 0; i < PACKET_FIELD_TYPES_SIZE && codes[i]; i++) {
-      const char *piece = NP_GetField(line, i);
-      int room = size - 1 - at;  // one byte stays for the closing zero
-      switch (codes[i]) {
-        case FIELD_CHAR:
-          if (room < 1) return 0;
-          buffer[at] = (uint8_t)std::atoi(piece);
-          at += 1;
-          break;
-        case FIELD_SHORT:
-          if (room < 2) return 0;
-          PutLE(buffer + at, (uint32_t)std::atoi(piece), 2);
-          at += 2;
-          break;
-        case FIELD_INT:
-          if (room < 4) return 0;
-          PutLE(buffer + at, (uint32_t)std::atoi(piece), 4);
-          at += 4;
-          break;
-        case FIELD_FLOAT: {
-          if (room < 4) return 0;
-          float value = (float)std::atof(piece);
-          uint32_t bits;
-          std::memcpy(&bits, &value, 4);
-          PutLE(buffer + at, bits, 4);
-          at += 4;
-          break;
-        }
-        case FIELD_TEXT: {
-          // A text over the limit of one text field is cut to its first 255
-          // bytes, so that a long name from the settings still goes out.
-          size_t length = std::strlen(piece);
-          if (length > (size_t)NP_MAX_TEXT_LENGTH) length = NP_MAX_TEXT_LENGTH;
-          if (room < 2 + (int)length) return 0;
-          PutLE(buffer + at, (uint32_t)length, 2);
-          std::memcpy(buffer + at + 2, piece, length);
-          at += 2 + (int)length;
-          break;
-        }
-        default:
-          return 0;
-      }
-    }
+  for (int i = 0; i < NP_FieldCount(type); i++) {
+    uint8_t code = PacketTable[type].FieldTypes[i];
+    const char *piece = NP_GetField(line, i);
+    // A text over the limit of one text field is cut to its first 255
+    // bytes, so that a long name from the settings still goes out.
+    size_t length = code == FIELD_TEXT ? std::min(std::strlen(piece), (size_t)NP_MAX_TEXT_LENGTH) : 0;
+    if (at + FieldSize(code) + length >= (size_t)size) return 0;
+    float real = (float)std::atof(piece);
+    uint32_t value = (uint32_t)std::atoi(piece);
+    if (code == FIELD_FLOAT) std::memcpy(&value, &real, sizeof value);
+    if (code == FIELD_TEXT) value = (uint32_t)length;
+    PutLE(buffer + at, value, FieldSize(code));
+    at += FieldSize(code);
+    std::memcpy(buffer + at, piece, length);
+    at += length;
   }
   buffer[at++] = 0;
-  return at;
+  return (int)at;
 }
 
 // ---- Decoding ---------------------------------------------------------------
@@ -192,65 +171,36 @@ int NP_EncodePacket(uint8_t type, const char *line, uint8_t *buffer, int size) {
 // that no dispatcher handles, so it has no effect at all.
 int32_t NP_ParsePacket(PacketFieldList &list, const uint8_t *data, size_t length) {
   list.clear();
-  if (!data || length < 1) return NP_PACKET_DROPPED;
+  if (length < 1) return NP_PACKET_DROPPED;
   int32_t type = data[0];
-  int count = NP_FieldCount(type);
-  if (count == 0) return type;
-  list.resize((size_t)count);
   size_t at = 1;
-  char text[NP_TEXT_FIELD_SIZE];
-  char number[64];
-  const uint8_t *codes = PacketTable[type].FieldTypes;
-  for (int i = 0; i < count; i++) {
-    switch (codes[i]) {
-      case FIELD_CHAR:
-        if (length - at < 1) goto drop;
-        std::snprintf(number, sizeof(number), "%d", (int)(int8_t)data[at]);
-        at += 1;
-        list[i] = number;
-        break;
-      case FIELD_SHORT:
-        if (length - at < 2) goto drop;
-        std::snprintf(number, sizeof(number), "%d", (int)(int16_t)GetLE(data + at, 2));
-        at += 2;
-        list[i] = number;
-        break;
-      case FIELD_INT:
-        if (length - at < 4) goto drop;
-        std::snprintf(number, sizeof(number), "%d", (int)(int32_t)GetLE(data + at, 4));
-        at += 4;
-        list[i] = number;
-        break;
-      case FIELD_FLOAT: {
-        if (length - at < 4) goto drop;
-        uint32_t bits = GetLE(data + at, 4);
-        float value;
-        std::memcpy(&value, &bits, 4);
-        std::snprintf(number, sizeof(number), "%f", (double)value);
-        at += 4;
-        list[i] = number;
-        break;
-      }
-      case FIELD_TEXT: {
-        if (length - at < 2) goto drop;
-        size_t n = GetLE(data + at, 2);
-        at += 2;
-        if (n > (size_t)NP_MAX_TEXT_LENGTH || length - at < n) goto drop;
-        std::memcpy(text, data + at, n);
-        text[n] = 0;
-        for (size_t k = 0; k < n && text[k]; k++)
-          if (text[k] == 0x0D) text[k] = ',';
-        // A zero byte among the n bytes ends the text; the position moves on by n.
-        at += n;
-        list[i] = text;
-        break;
-      }
-      default:
-        goto drop;
+  for (int i = 0; i < NP_FieldCount(type); i++) {
+    uint8_t code = PacketTable[type].FieldTypes[i];
+    size_t size = FieldSize(code);
+    bool whole = length - at >= size;
+    uint32_t value = whole ? GetLE(data + at, size) : 0;
+    // A text's bytes must be there too, and no more than a text field holds.
+    if (whole && code == FIELD_TEXT) whole = value <= NP_MAX_TEXT_LENGTH && length - at - size >= value;
+    if (!whole) {
+      list.clear();
+      return NP_PACKET_DROPPED;
     }
+    at += size;
+    char text[NP_TEXT_FIELD_SIZE];
+    float real;
+    std::memcpy(&real, &value, sizeof real);
+    if (code == FIELD_CHAR) std::snprintf(text, sizeof text, "%d", (int)(int8_t)value);
+    if (code == FIELD_SHORT) std::snprintf(text, sizeof text, "%d", (int)(int16_t)value);
+    if (code == FIELD_INT) std::snprintf(text, sizeof text, "%d", (int)value);
+    if (code == FIELD_FLOAT) std::snprintf(text, sizeof text, "%f", (double)real);
+    if (code == FIELD_TEXT) {
+      // A zero byte among the n bytes ends the text; the position moves on by n.
+      std::memcpy(text, data + at, value);
+      text[value] = 0;
+      std::replace(text, text + value, '\r', ',');
+      at += value;
+    }
+    list.push_back(text);
   }
   return type;
-drop:
-  list.clear();
-  return NP_PACKET_DROPPED;
 }

@@ -15,6 +15,46 @@ enum {
   FIELD_TEXT = 127,
 };
 
+// The packet types, one name for each row of the packet table.
+enum {
+  NP_REPORT_QUIT = 0,
+  NP_REPORT_PLAYER_NAME = 1,
+  NP_REPORT_CHARACTER = 2,
+  NP_REPORT_EYES = 3,
+  NP_REPORT_EARS = 4,
+  NP_REPORT_NOSE = 5,
+  NP_REPORT_MOUTH = 6,
+  NP_REPORT_EYEBROWS = 7,
+  NP_REPORT_MOUSTACHE = 8,
+  NP_REPORT_FEET = 9,
+  NP_REPORT_HAT = 10,
+  NP_UPDATE_JOINED = 18,
+  NP_UPDATE_PLAYER_ID = 19,
+  NP_UPDATE_QUIT = 20,
+  NP_UPDATE_PLAYER_NAME = 21,
+  NP_UPDATE_CHARACTER = 22,
+  NP_UPDATE_EYES = 23,
+  NP_UPDATE_EARS = 24,
+  NP_UPDATE_NOSE = 25,
+  NP_UPDATE_MOUTH = 26,
+  NP_UPDATE_EYEBROWS = 27,
+  NP_UPDATE_MOUSTACHE = 28,
+  NP_UPDATE_FEET = 29,
+  NP_UPDATE_HAT = 30,
+  NP_UPDATE_EYES_ORI_X = 31,
+  NP_UPDATE_EYES_ORI_Y = 32,
+  NP_UPDATE_EYEBROWS_Y = 33,
+  NP_SET_PLAYER_NUMBER = 40,
+  NP_PING = 50,
+  NP_PONG = 51,
+  NP_CONSOLE_MESSAGE = 52,
+  NP_VERSION_INFO = 53,
+};
+
+// The Report of a part (Character to Hat) is answered by its Update this
+// many types further on.
+const int NP_REPORT_TO_UPDATE = NP_UPDATE_CHARACTER - NP_REPORT_CHARACTER;
+
 const int PACKET_TYPE_COUNT = 54;
 const int PACKET_FIELD_TYPES_SIZE = 32;
 
@@ -48,7 +88,7 @@ const char *NP_FieldText(const PacketFieldList &fields, size_t index);
 void NP_InitPacketTable();
 void NP_RegisterPacket(int type, const char *name, const char *description);
 // Number of fields in a row (0 for a type without a row).
-int NP_FieldCount(int type);
+int NP_FieldCount(uint8_t type);
 
 // Decodes `length` bytes of a received packet into `list` and gives its type.
 int32_t NP_ParsePacket(PacketFieldList &list, const uint8_t *data, size_t length);

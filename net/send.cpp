@@ -10,13 +10,6 @@
 
 int32_t PacketSkipPlayerId = -1;
 
-// The peer of a roster number on the server; null where there is none, which
-// includes number 0, the server's own player.
-static ENetPeer *PeerOfNumber(int number) {
-  if (number < 1 || number >= MAX_PLAYERS) return nullptr;
-  return ClientPeers[number];
-}
-
 bool NP_SendPacket(int32_t destination, uint8_t packetType, const char *format, ...) {
   GameClass &game = Game;
   bool server = game.Mode == GAME_MODE_SERVER;
@@ -34,18 +27,15 @@ bool NP_SendPacket(int32_t destination, uint8_t packetType, const char *format, 
 
   // vsnprintf cuts a line over 511 characters; callers keep far below it.
   char line[NP_LINE_SIZE];
-  line[0] = 0;
-  if (format) {
-    va_list args;
-    va_start(args, format);
-    std::vsnprintf(line, sizeof(line), format, args);
-    va_end(args);
-  }
+  va_list args;
+  va_start(args, format);
+  std::vsnprintf(line, sizeof(line), format, args);
+  va_end(args);
   // Fields that don't fit into a packet are reported as a packet that can't
   // be made; no row of the table comes near the limit.
   uint8_t data[NP_PACKET_SIZE];
   int length = NP_EncodePacket(packetType, line, data, sizeof(data));
-  ENetPacket *packet = length > 0 ? enet_packet_create(data, (size_t)length, ENET_PACKET_FLAG_RELIABLE) : nullptr;
+  ENetPacket *packet = length ? enet_packet_create(data, (size_t)length, ENET_PACKET_FLAG_RELIABLE) : nullptr;
   if (!packet) {
     RVK_Message("NP_SendPacket: Unable to create packet!");
     return false;
@@ -55,7 +45,7 @@ bool NP_SendPacket(int32_t destination, uint8_t packetType, const char *format, 
   if (destination == NP_TO_ALL) {
     if (server) {
       for (int number = 1; number < game.GetPlayerCount(); number++) {
-        ENetPeer *peer = PeerOfNumber(number);
+        ENetPeer *peer = ClientPeers[number];
         if (peer && game.Players[number].PlayerId != skipId) enet_peer_send(peer, channel, packet);
       }
     } else {
@@ -72,14 +62,13 @@ bool NP_SendPacket(int32_t destination, uint8_t packetType, const char *format, 
     if (number == -1) {
       RVK_Message("Packets destination player ID is invalid %d (packet type %d)", destination, packetType);
     } else if (server) {
-      // Number 0 is the server's own player, which has no peer.
-      ENetPeer *peer = PeerOfNumber(number);
-      if (peer) enet_peer_send(peer, channel, packet);
+      // Number 0 is the server's own player: its entry stays empty.
+      if (ClientPeers[number]) enet_peer_send(ClientPeers[number], channel, packet);
     }
     // A client sends to its server only: a player ID names no peer there.
   }
 
-  if ((packetType == 0 || packetType == 20) && NetHost) enet_host_flush(NetHost);
+  if ((packetType == NP_REPORT_QUIT || packetType == NP_UPDATE_QUIT) && NetHost) enet_host_flush(NetHost);
   // A packet that no peer took is ours to free; one that a peer queued is
   // freed by ENet once every peer is done with it.
   if (packet->referenceCount == 0) enet_packet_destroy(packet);

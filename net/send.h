@@ -1,6 +1,7 @@
 // NP_SendPacket: the one way out of the program to the network.
 #pragma once
 #include <cstdint>
+#include "net/packets.h"
 
 enum {
   NP_TO_SERVER = -1,

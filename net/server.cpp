@@ -1,6 +1,7 @@
 // The server's event pump: a client joins and gets the join sequence, its
 // packets are applied and relayed to the others, a client leaves.
 #include "net/server.h"
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -22,15 +23,12 @@ static std::string PeerAddressText(const ENetPeer *peer) {
 
 // ---- Peer tags ----------------------------------------------------------------
 
+// A copy of the player's ID in decimal from malloc; the peer carries no tag
+// before (every untagging frees and clears it).
 void NET_TagPeer(int number, ENetPeer *peer) {
-  if (!peer || number < 0 || number >= Game.GetPlayerCount()) return;
   char id[16];
   std::snprintf(id, sizeof(id), "%d", Game.Players[number].PlayerId);
-  char *tag = (char *)std::malloc(std::strlen(id) + 1);
-  if (!tag) return;
-  std::strcpy(tag, id);
-  std::free(peer->data);
-  peer->data = tag;
+  peer->data = strdup(id);
 }
 
 void NET_FreePeerTags() {
@@ -62,11 +60,11 @@ void NET_RemovePlayer(int number) {
   }
   for (int i = number; i < MAX_PLAYERS - 1; i++) ClientPeers[i] = ClientPeers[i + 1];
   ClientPeers[MAX_PLAYERS - 1] = nullptr;
-  NP_SendPacket(NP_TO_ALL, 20, "%d", id);
+  NP_SendPacket(NP_TO_ALL, NP_UPDATE_QUIT, "%d", id);
 }
 
 void NET_HandleCommonPacket(int32_t type, PacketFieldList fields) {
-  if (type != 52) return;
+  if (type != NP_CONSOLE_MESSAGE) return;
   GameClass &game = Game;
   int32_t id = std::atoi(NP_FieldText(fields, 0));
   int number = game.GetPlayerNumber(id);
@@ -78,7 +76,7 @@ void NET_HandleCommonPacket(int32_t type, PacketFieldList fields) {
   int colour = std::atoi(NP_FieldText(fields, 1));
   if (colour != -1) RVK_SetLastMessageColour(colour);
   if (game.Mode == GAME_MODE_SERVER)
-    NP_SendPacket(NP_TO_ALL, 52, "%d,%d,%s", id, colour, NP_EscapeText(text).c_str());
+    NP_SendPacket(NP_TO_ALL, NP_CONSOLE_MESSAGE, "%d,%d,%s", id, colour, NP_EscapeText(text).c_str());
 }
 
 // ---- Join -------------------------------------------------------------------
@@ -87,29 +85,24 @@ void NET_HandleCommonPacket(int32_t type, PacketFieldList fields) {
 // everybody, then every record's ID and each earlier player as it stands.
 static void SendJoinSequence(int number, int count, int32_t id) {
   GameClass &game = Game;
-  NP_SendPacket(id, 40, "%d,%d", number, count);
-  NP_SendPacket(id, 53, "%s", NP_EscapeText(TUMBLEKIN_VERSION).c_str());
-  NP_SendPacket(NP_TO_ALL, 18, "%d,%d", count, id);
-  for (int i = 0; i < count; i++) NP_SendPacket(id, 19, "%d,%d", i, game.Players[i].PlayerId);
+  NP_SendPacket(id, NP_SET_PLAYER_NUMBER, "%d,%d", number, count);
+  NP_SendPacket(id, NP_VERSION_INFO, "%s", NP_EscapeText(TUMBLEKIN_VERSION).c_str());
+  NP_SendPacket(NP_TO_ALL, NP_UPDATE_JOINED, "%d,%d", count, id);
+  for (int i = 0; i < count; i++) NP_SendPacket(id, NP_UPDATE_PLAYER_ID, "%d,%d", i, game.Players[i].PlayerId);
   for (int i = 0; i < count - 1; i++) {
     // The set-part operations of a newcomer may move nothing in the roster,
     // but a copy keeps this loop independent of them anyway.
     PlayerClass p = game.Players[i];
     int32_t pid = p.PlayerId;
-    NP_SendPacket(id, 21, "%d,%s", pid, NP_EscapeText(p.PlayerName.c_str()).c_str());
-    NP_SendPacket(id, 22, "%d,%d", pid, p.CharacterNumber);
-    NP_SendPacket(id, 23, "%d,%d", pid, p.EyesNumber);
-    NP_SendPacket(id, 24, "%d,%d", pid, p.EarsNumber);
-    NP_SendPacket(id, 25, "%d,%d", pid, p.NoseNumber);
-    NP_SendPacket(id, 26, "%d,%d", pid, p.MouthNumber);
-    NP_SendPacket(id, 27, "%d,%d", pid, p.EyebrowsNumber);
-    NP_SendPacket(id, 28, "%d,%d", pid, p.MoustacheNumber);
-    NP_SendPacket(id, 29, "%d,%d", pid, p.FeetNumber);
-    NP_SendPacket(id, 30, "%d,%d", pid, p.HatNumber);
+    NP_SendPacket(id, NP_UPDATE_PLAYER_NAME, "%d,%s", pid, NP_EscapeText(p.PlayerName.c_str()).c_str());
+    // In the order of their Update packets, Character to Hat.
+    const int32_t parts[] = {p.CharacterNumber, p.EyesNumber,      p.EarsNumber, p.NoseNumber, p.MouthNumber,
+                             p.EyebrowsNumber,  p.MoustacheNumber, p.FeetNumber, p.HatNumber};
+    for (int k = 0; k < SET_PART_COUNT; k++) NP_SendPacket(id, NP_UPDATE_CHARACTER + k, "%d,%d", pid, parts[k]);
     // Motion after the body: a receiver's SetCharacter clears the motion fields.
-    NP_SendPacket(id, 31, "%d,%f", pid, (double)p.EyesOriTarget[0]);
-    NP_SendPacket(id, 32, "%d,%f", pid, (double)p.EyesOriTarget[1]);
-    NP_SendPacket(id, 33, "%d,%f", pid, (double)p.EyebrowsY);
+    NP_SendPacket(id, NP_UPDATE_EYES_ORI_X, "%d,%f", pid, (double)p.EyesOriTarget[0]);
+    NP_SendPacket(id, NP_UPDATE_EYES_ORI_Y, "%d,%f", pid, (double)p.EyesOriTarget[1]);
+    NP_SendPacket(id, NP_UPDATE_EYEBROWS_Y, "%d,%f", pid, (double)p.EyebrowsY);
   }
 }
 
@@ -136,55 +129,45 @@ static void ServerJoin(ENetPeer *peer) {
   ClientPeers[number] = peer;
   NET_TagPeer(number, peer);
   SendJoinSequence(number, count, id);
-  RVK_Message("A new client connected from %x:%u", (unsigned)peer->address.host, (unsigned)peer->address.port);
+  RVK_Message("A new client connected from %s", PeerAddressText(peer).c_str());
 }
 
 // ---- Receive ------------------------------------------------------------------
 
-typedef void (*SetPartFunction)(PlayerClass &, int32_t, bool);
+// The set-part operations in the order of their packets, Character to Hat.
+static const SetPartFunction SetParts[SET_PART_COUNT] = {SetCharacter, SetEyes,      SetEars, SetNose, SetMouth,
+                                                         SetEyebrows,  SetMoustache, SetFeet, SetHat};
 
-// The set-part operation that a Report of types 2 to 10 names.
-static SetPartFunction SetPartOfReport(int32_t type) {
-  switch (type) {
-    case 2: return SetCharacter;
-    case 3: return SetEyes;
-    case 4: return SetEars;
-    case 5: return SetNose;
-    case 6: return SetMouth;
-    case 7: return SetEyebrows;
-    case 8: return SetMoustache;
-    case 9: return SetFeet;
-    case 10: return SetHat;
-    default: return nullptr;
-  }
+SetPartFunction NET_SetPartOf(int32_t type, int32_t characterType) {
+  int32_t part = type - characterType;
+  return part >= 0 && part < SET_PART_COUNT ? SetParts[part] : nullptr;
 }
 
 static void ReportPlayerName(int number, int32_t id, const char *name) {
   GameClass &game = Game;
   game.Players[number].PlayerName = name;
   // A name from the wire is at most 255 characters, so the line always fits.
-  char line[300];
+  char line[NP_LINE_SIZE];
   std::snprintf(line, sizeof line, "%s has joined the game", name);
   RVK_Message("%s", line);
   RVK_SetLastMessageColour(White());
-  NP_SendPacket(NP_TO_ALL, 52, "%d,%d,%s", -1, White(), NP_EscapeText(line).c_str());
-  NP_SendPacket(NP_TO_ALL, 21, "%d,%s", id, NP_EscapeText(name).c_str());
+  NP_SendPacket(NP_TO_ALL, NP_CONSOLE_MESSAGE, "%d,%d,%s", -1, White(), NP_EscapeText(line).c_str());
+  NP_SendPacket(NP_TO_ALL, NP_UPDATE_PLAYER_NAME, "%d,%s", id, NP_EscapeText(name).c_str());
 }
 
 void NET_ServerDispatch(int number, int32_t id, int32_t type, const PacketFieldList &fields) {
   GameClass &game = Game;
-  if (number < 0 || number >= game.GetPlayerCount()) return;
-  if (type == 0) {
+  if (type == NP_REPORT_QUIT) {
     NET_RemovePlayer(number);
-  } else if (type == 1) {
+  } else if (type == NP_REPORT_PLAYER_NAME) {
     ReportPlayerName(number, id, NP_FieldText(fields, 0));
-  } else if (SetPartFunction setPart = SetPartOfReport(type)) {
+  } else if (SetPartFunction setPart = NET_SetPartOf(type, NP_REPORT_CHARACTER)) {
     int32_t value = std::atoi(NP_FieldText(fields, 0));
     PacketSkipPlayerId = id;
-    NP_SendPacket(NP_TO_ALL, (uint8_t)(type + 20), "%d,%d", id, value);
+    NP_SendPacket(NP_TO_ALL, (uint8_t)(type + NP_REPORT_TO_UPDATE), "%d,%d", id, value);
     setPart(game.Players[number], value, false);
-  } else if (type == 50) {
-    NP_SendPacket(id, 51, "");
+  } else if (type == NP_PING) {
+    NP_SendPacket(id, NP_PONG, "");
   } else {
     NET_HandleCommonPacket(type, fields);
   }
@@ -224,15 +207,35 @@ static void ServerDisconnect(ENetPeer *peer) {
   NET_RemovePlayer(number);
 }
 
-void NET_ServerPoll() {
-  if (!NetHost) return;
-  ENetEvent event;
-  while (enet_host_service(NetHost, &event, 5) > 0) {
-    switch (event.type) {
-      case ENET_EVENT_TYPE_CONNECT: ServerJoin(event.peer); break;
-      case ENET_EVENT_TYPE_RECEIVE: ServerReceive(event.peer, event.packet); break;
-      case ENET_EVENT_TYPE_DISCONNECT: ServerDisconnect(event.peer); break;
-      default: RVK_Message("Unknown enet event type %d", (int)event.type); break;
-    }
+// ---- Poll ---------------------------------------------------------------------
+
+void NET_ServerHandleEvent(ENetEvent &event) {
+  switch (event.type) {
+    case ENET_EVENT_TYPE_CONNECT: ServerJoin(event.peer); break;
+    case ENET_EVENT_TYPE_RECEIVE: ServerReceive(event.peer, event.packet); break;
+    case ENET_EVENT_TYPE_DISCONNECT: ServerDisconnect(event.peer); break;
+    default: RVK_Message("Unknown enet event type %d", (int)event.type); break;
   }
 }
+
+static double NowMs() {
+  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+// The budget is spent on handling events and on waiting for them: events
+// left over when it runs out stay in ENet's queues, in their order, for the
+// next frame's poll. At least one waiting event is handled per poll.
+void NET_ServerPollWithin(double budgetMs) {
+  if (!NetHost) return;
+  const double start = NowMs();
+  ENetEvent event;
+  enet_uint32 wait = (enet_uint32)budgetMs;
+  while (enet_host_service(NetHost, &event, wait) > 0) {
+    NET_ServerHandleEvent(event);
+    double spent = NowMs() - start;
+    if (spent >= budgetMs) break;
+    wait = (enet_uint32)(budgetMs - spent);
+  }
+}
+
+void NET_ServerPoll() { NET_ServerPollWithin(SERVER_POLL_BUDGET_MS); }

@@ -11,12 +11,13 @@
 
 // Allegro's input thread changes mouse_b and key[] behind our back; giving up
 // the processor while spinning lets it run on a busy machine.
+// A request to close ends the wait as if the button or key had come up.
 void RVK_WaitMouseUp() {
-  while (mouse_b & 1) rest(0);
+  while ((mouse_b & 1) && !RVK_CloseRequested()) rest(0);
 }
 
 void RVK_WaitKeyUp(int scancode) {
-  while (key[scancode]) rest(0);
+  while (key[scancode] && !RVK_CloseRequested()) rest(0);
 }
 
 // ---- Creation and size ----
@@ -132,7 +133,7 @@ bool ButtonClass::Run() {
   if (hover && (mouse_b & 1)) {
     // The press counts only if the button comes up over the button.
     while (mouse_b & 1) {
-      if (!RVK_MouseIn(X, Y, X + Width, Y + Height)) return false;
+      if (!RVK_MouseIn(X, Y, X + Width, Y + Height) || RVK_CloseRequested()) return false;
       rest(0);
     }
     Pressed = true;

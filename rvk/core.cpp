@@ -6,6 +6,7 @@
 #include <alleggl.h>
 #include <GL/gl.h>
 #include <GL/glu.h>
+#include <csignal>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -31,6 +32,7 @@ static bool ErrorLogged = false;
 static bool In2D, ClipOn;
 static int PointerVert, PointerHoriz, PointerMove;
 static TimerClass FrameTimer;
+static volatile std::sig_atomic_t CloseRequest = 0;
 static std::vector<TooltipRecord> Tooltips;
 
 // The frame trace: a file named by TUMBLEKIN_FRAME_TRACE, one line per frame.
@@ -365,6 +367,16 @@ void RVK_ShowTooltip(int x, int y, const char *format, ...) {
 void RVK_SetSampleVolume(int) {}
 
 void RVK_PlaySample(SAMPLE *) {}
+
+// ---- Close request ----
+
+void RVK_RequestClose(bool requested) {
+  CloseRequest = requested ? 1 : 0;
+}
+
+bool RVK_CloseRequested() {
+  return CloseRequest != 0;
+}
 
 // ---- Error log ----
 

@@ -91,4 +91,10 @@ void RVK_PlaySample(SAMPLE *sample);
 
 void RVK_LogError(const char *format, ...) __attribute__((format(printf, 1, 2)));
 
+// A request to end the program, as a signal handler makes it: every loop that
+// runs frames or waits for input leaves when it sees one, so the program ends
+// the ordinary way. Safe to call from a signal handler.
+void RVK_RequestClose(bool requested = true);
+bool RVK_CloseRequested();
+
 void *RVK_GetDatafileObject(const char *name);

@@ -17,7 +17,7 @@ void RVK_MessageBox(const char *format, ...) {
   box.AddButton("OK", "yes", KEY_ENTER);
   box.Centre();
   int answer = -1;
-  while (answer != 0) {
+  while (answer != 0 && !RVK_CloseRequested()) {
     RVK_BeginFrame();
     answer = box.Run();
     RVK_WaitFrame();

@@ -7,6 +7,7 @@
 #include <vector>
 #include "rvk/core.h"
 #include "rvk/draw.h"
+#include "rvk/filecheck.h"
 
 // ---- TextureClass ----
 
@@ -38,7 +39,7 @@ bool TextureClass::Load(const char *file) {
 
 bool TextureClass::Load(const char *file, bool keepBitmap) {
   if (file == nullptr) file = "";
-  BITMAP *bitmap = load_bitmap(RVK_NativePath(file).c_str(), nullptr);
+  BITMAP *bitmap = RVK_LoadBitmap(RVK_NativePath(file).c_str());
   if (bitmap == nullptr) {
     LastError = std::string("Unable to load bitmap from ") + file;
     return false;

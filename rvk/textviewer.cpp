@@ -33,7 +33,7 @@ void RVK_ShowText(const char *source, bool sourceIsFile, const char *titleFormat
   toolbar.AddButton("Done", "yes", KEY_ENTER);
   toolbar.SetTitle("%s", title);
   int answer = -1;
-  while (answer != 0) {
+  while (answer != 0 && !RVK_CloseRequested()) {
     RVK_BeginFrame();
     // The colour takes effect from the next clear: the first frame shows the
     // clear colour that stood before, later ones the viewer's backdrop.

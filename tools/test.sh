@@ -4,6 +4,7 @@
 # time in an address- and undefined-behaviour-sanitizer build.
 set -eu
 cd "$(dirname "$0")/.."
+FUZZ_BUDGET_SECONDS=60
 tools/install-deps.sh
 
 # The fuzz harnesses need clang's libFuzzer; they are built apart, sanitized.
@@ -24,4 +25,10 @@ echo "== Building"
 tools/build.sh "${fuzz_args[@]}"
 
 echo "== Testing"
+# All harnesses together get about a minute: each replays its seeds and then
+# fuzzes for its share of it.
+count=$(echo "$fuzzers" | wc -w)
+if [ "$count" -gt 0 ]; then
+  export TK_FUZZ_SECONDS=$(( FUZZ_BUDGET_SECONDS / count > 2 ? FUZZ_BUDGET_SECONDS / count : 2 ))
+fi
 ctest --test-dir build -j"$(nproc)" --output-on-failure

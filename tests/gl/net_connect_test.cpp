@@ -1,217 +1,213 @@
-// The real client against a fake server of the test's own (an ENet host on
-// 127.0.0.1 in a thread): the waiting screens, the player number, the
-// version check with its box, and the ways a client's game ends.
+// The dialogs and the client's connection to a fake server, with real X input.
 #include <gtest/gtest.h>
 #include <atomic>
-#include <cstdlib>
-#include <fstream>
-#include <mutex>
 #include <thread>
 #include "app/config.h"
-#include "app/game.h"
 #include "net/client.h"
 #include "net/host.h"
 #include "net/netstate.h"
 #include "net/send.h"
 #include "netpeer/netpeer.h"
+#include "rvk/core.h"
+#include "rvk/textfield.h"
+#include "support/gl_env.h"
+#include "gl/rvk_xinput.h"
 
-// Serves one client: sends what the test queues once the client is there,
-// keeps what arrives, and can close the connection.
+const TkPixel TITLE = {3, 3, 255}, BODY = {147, 147, 147}, FIELD = {255, 255, 255}, EDGE = {115, 115, 115};
+
+// The screen as it is now; the window stands in its upper left corner.
+class Shot {
+public:
+  int W = 0, H = 0;
+  std::vector<TkPixel> Rgb;
+  Shot() {
+    FILE *p = popen("import -window root -depth 8 ppm:-", "r");
+    if (p && std::fscanf(p, "P6 %d %d 255", &W, &H) == 2 && std::fgetc(p) != EOF) {
+      Rgb.resize((size_t)W * H);
+      Rgb.resize(std::fread(Rgb.data(), 3, Rgb.size(), p));
+    }
+    if (p) pclose(p);
+  }
+  TkPixel At(int x, int y) const { return (size_t)(y * W + x) < Rgb.size() ? Rgb[y * W + x] : TkPixel{}; }
+  int Count(TkPixel c) const { return (int)std::count(Rgb.begin(), Rgb.end(), c); }
+  // Inside the right end of a dialog's field of `chars` characters, `lines`
+  // text lines below the top of its window, which stands at (100, 100).
+  TkPixel Field(int chars, int lines) const {
+    int h = text_height(RVK_FontStandard);
+    return At(106 + RVK_TextWidthForChars(RVK_FontStandard, chars), 100 + lines * h + h / 2);
+  }
+  // A message box alone on the screen; a dialog; the dialog with three fields.
+  bool Box() const { return Count(TITLE) > 1000 && At(400, 102) == TkPixel{}; }
+  bool Dialog() const { return At(400, 102) == TITLE; }
+  bool Connect() const { return Dialog() && Field(10, 9) == FIELD; }
+};
+
+// The first picture, within 20 s, that `shows`.
+Shot When(bool (Shot::*shows)() const) {
+  Shot s;
+  for (double end = NowMs() + 20000; !(s.*shows)() && NowMs() < end; rest(200)) s = Shot();
+  return s;
+}
+
+// A key held long enough for a frame-polled key to be seen.
+void Key(const std::string &key) {
+  std::system(("xdotool keydown " + key + " sleep 0.3 keyup " + key + " sleep 0.3").c_str());
+}
+
+// Runs `step` here while `drive` acts from another thread. Should keys be
+// lost on a slow machine, Enter and Esc follow in turn until `step` returns,
+// so that the test fails rather than hangs.
+bool Driven(const std::function<void()> &drive, const std::function<bool()> &step) {
+  std::atomic<bool> done{false};
+  std::thread driver([&] {
+    drive();
+    for (int i = 0; !done; i++) i > 200 && i % 20 == 0 ? Key(i % 40 ? "Return" : "Escape") : rest(50);
+  });
+  bool result = step();
+  done = true;
+  driver.join();
+  return result;
+}
+
+TEST(DialogTest, PortsAreRefusedInABoxUntilMended) {
+  ASSERT_EQ(std::system(("xdotool windowmove --sync " + TkWindowId() + " 0 0").c_str()), 0);
+  Config.PlayerName = "Hana";
+  Config.LocalServerPort = "80800";  // from the settings file
+  Shot dialog, box;
+  EXPECT_TRUE(Driven(
+      [&] {
+        dialog = When(&Shot::Dialog);
+        std::system("xdotool type --delay 150 Mo");
+        Key("Return");
+        box = When(&Shot::Box);
+        Key("Return");
+        When(&Shot::Dialog);
+        Key("Tab"), Key("BackSpace"), Key("Return");
+      },
+      HostGameDialog));
+  EXPECT_EQ(Config.PlayerName + Config.LocalServerPort, "HanaMo8080");
+  EXPECT_TRUE(box.Box());
+  EXPECT_FALSE(dialog.At(98, 300) == BODY);
+  // The body, three fields' right ends, the right edges of both buttons.
+  EXPECT_EQ((std::vector<TkPixel>{dialog.At(105, 300), dialog.Field(16, 3), dialog.Field(10, 6),
+                                  dialog.Field(10, 9), dialog.At(600, 480), dialog.At(690, 480)}),
+            (std::vector<TkPixel>{BODY, FIELD, FIELD, BODY, EDGE, EDGE}));
+  // A port of the connect dialog too; Esc leaves the settings as they were.
+  Config.RemoteServerAddress = "127.0.0.1";
+  Config.RemoteServerPort = "0";
+  EXPECT_FALSE(Driven(
+      [&] {
+        dialog = When(&Shot::Connect);
+        std::system("xdotool type --delay 150 xyz");
+        Key("Return");
+        When(&Shot::Box);
+        Key("Return");
+        When(&Shot::Dialog);
+        Key("Escape");
+      },
+      ConnectGameDialog));
+  EXPECT_EQ(Config.PlayerName + Config.RemoteServerAddress + Config.RemoteServerPort, "HanaMo127.0.0.10");
+  EXPECT_TRUE(dialog.Connect());
+
+  uint16_t port = 7;
+  for (const char *bad : {"0", "65536", "99999", "", "abc", "80a", " 80", "-1", "4294967297"})
+    EXPECT_FALSE(NET_ParsePort(bad, port)) << bad;
+  for (const char *good : {"1", "65535", "08030"})
+    EXPECT_TRUE(NET_ParsePort(good, port) && port == std::atoi(good)) << good;
+}
+
+// Serves one client from a thread: sends the first `Release` packets of its
+// script (an empty one hangs up) and keeps what arrives.
 class FakeServer {
 public:
   TestHost Host;
-  std::thread Thread;
-  std::atomic<bool> Stop{false}, Hangup{false};
-  std::mutex Lock;
-  std::vector<Bytes> Outbox;
-  std::atomic<size_t> ReceivedCount{0};
-
-  bool Start(uint16_t port) {
-    if (!Host.StartServer(port)) return false;
-    Thread = std::thread([this] {
-      while (!Stop) {
-        Host.Service(2);
-        ReceivedCount = Host.Received.size();
-        if (!Host.Connected) continue;
-        std::lock_guard<std::mutex> guard(Lock);
-        for (const Bytes &b : Outbox) Host.Send(b, 1);
-        Outbox.clear();
-        if (Hangup) {
-          enet_peer_disconnect(Host.Peer, 0);
-          Hangup = false;
-        }
-      }
-    });
-    return true;
-  }
-  void Queue(const Bytes &b) {
-    std::lock_guard<std::mutex> guard(Lock);
-    Outbox.push_back(b);
-  }
-  void Finish() {
-    Stop = true;
-    if (Thread.joinable()) Thread.join();
-  }
-  ~FakeServer() { Finish(); }
-};
-
-// Presses a key on this test's own virtual display now and then, long enough
-// for a frame-polled key to be seen, and takes a screenshot before the first.
-class KeyPresser {
-public:
-  std::thread Thread;
+  std::vector<Bytes> Script;
+  std::atomic<size_t> Release{0}, Count{0};
   std::atomic<bool> Stop{false};
-  std::string Shot;
-
-  KeyPresser(const char *keyName, int firstDelayMs) {
-    std::string key = keyName;
-    Shot = std::string("/tmp/tk-net-shot-") + std::to_string(getpid()) + ".ppm";
-    Thread = std::thread([this, key, firstDelayMs] {
-      usleep(firstDelayMs * 1000);
-      std::system(("import -window root -depth 8 ppm:" + Shot + " 2>/dev/null").c_str());
-      for (int i = 0; i < 10 && !Stop; i++) {
-        std::system(("xdotool keydown " + key + "; sleep 0.15; xdotool keyup " + key).c_str());
-        usleep(600 * 1000);
+  std::thread Thread;
+  void Start(const std::vector<Bytes> &script, size_t release) {
+    Script = script;
+    Release = release;
+    ASSERT_TRUE(Host.Start(TestPort(200), true));
+    Thread = std::thread([this] {
+      for (size_t sent = 0; !Stop; Count = Host.Received.size()) {
+        Host.Service(2);
+        for (; Host.Connected() && sent < Release; sent++)
+          Script[sent].empty() ? enet_peer_disconnect(Host.Peer, 0) : Host.Send(Script[sent], 1);
       }
     });
   }
-  void Finish() {
+  ~FakeServer() {
     Stop = true;
     if (Thread.joinable()) Thread.join();
   }
-  ~KeyPresser() {
-    Finish();
-    std::remove(Shot.c_str());
-  }
-  // Pixels of the screenshot with exactly this colour.
-  int CountColour(uint8_t r, uint8_t g, uint8_t b) const {
-    std::ifstream in(Shot, std::ios::binary);
-    std::string magic;
-    int w = 0, h = 0, max = 0;
-    if (!(in >> magic >> w >> h >> max)) return -1;
-    in.get();
-    std::vector<char> rgb((size_t)w * h * 3);
-    in.read(rgb.data(), (std::streamsize)rgb.size());
-    int count = 0;
-    for (size_t i = 0; i + 2 < rgb.size(); i += 3)
-      count += (uint8_t)rgb[i] == r && (uint8_t)rgb[i + 1] == g && (uint8_t)rgb[i + 2] == b;
-    return count;
-  }
 };
 
-class ClientConnectTest : public testing::Test {
+class ConnectTest : public testing::Test {
 protected:
   ConsoleCapture Console;
-  FakeServer Server;
-  uint16_t Port = 0;
-
   void SetUp() override {
-    static int run = 0;
-    Port = TestPort(200 + 3 * run++);
-    Game.Characters.resize(2);
     Game.Eyes.resize(3);
     Config.RemoteServerAddress = "127.0.0.1";
-    Config.RemoteServerPort = std::to_string(Port);
+    Config.RemoteServerPort = std::to_string(TestPort(200));
     Config.PlayerName = "Zed, Jr";
     Game.Mode = GAME_MODE_CLIENT;
     Game.SetPlayerCount(1, false);
     Game.SetLocalPlayer(0);
-    Game.LocalPlayer->PlayerName = Config.PlayerName;
   }
   void TearDown() override {
-    Server.Finish();
     NET_ShutdownNetwork();
     Game.Mode = GAME_MODE_NONE;
-    Game.Players.clear();
-    Game.LocalPlayer = nullptr;
   }
-  bool Connect() {
-    // Nothing of this test may leave the machine.
-    if (Config.RemoteServerAddress != "127.0.0.1") return false;
-    return NET_ConnectToServer();
-  }
-  // Polls as the game loop does, once a frame, until it ends or time is up.
-  bool PollFor(double ms, const std::function<bool()> &until) {
-    double end = NowMs() + ms;
-    while (NowMs() < end) {
+  static bool Connect() { return Driven([] {}, NET_ConnectToServer); }
+  // Polls once a frame until the game ends (false) or `ms` have passed.
+  static bool PollFor(double ms) {
+    for (double end = NowMs() + ms; NowMs() < end; rest(22))
       if (!NET_ClientPoll()) return false;
-      if (until()) return true;
-      rest(22);
-    }
     return true;
   }
 };
 
-TEST_F(ClientConnectTest, NumberedJoinThenServerGoodbye) {
-  ASSERT_TRUE(Server.Start(Port));
-  // Before the number: a stray packet and a number outside its count are ignored.
-  for (const Bytes &b : {End(Pkt(51)), Shorts(40, {2, 2}), Shorts(40, {1, 2}), TextPkt(53, {}, "Tumblekin v1.0"),
-                         Shorts(18, {2, 7}), Shorts(19, {0, 0}), Shorts(19, {1, 7}), TextPkt(21, {0}, "Host"),
-                         Shorts(23, {0, 2})})
-    Server.Queue(b);
+TEST_F(ConnectTest, NumberedJoinThenServerGoodbye) {
+  // Before the number: a stray packet, a dropped one, a number beyond its count.
+  FakeServer server;
+  server.Start({Pkt(51), Bytes{21, 7}, Pkt(40, {2, 2}),
+                Pkt(40, {1, 2}), Pkt(23, {0, 2}), Pkt(20, {0})},
+               5);
   ASSERT_TRUE(Connect());
-  ASSERT_EQ(Game.GetPlayerCount(), 2);
-  EXPECT_EQ(Game.LocalPlayerNumber, 1);
   EXPECT_EQ(Game.LocalPlayer, &Game.Players[1]);
-  EXPECT_TRUE(Console.Has("Connection to 127.0.0.1:" + std::to_string(Port) + " established"));
-  EXPECT_TRUE(Console.Has("Ignored unexpected packet (type 51)"));
-  EXPECT_TRUE(Console.Has("Ignored unexpected packet (type 40)"));
-
-  EXPECT_TRUE(PollFor(2000, [] { return Game.Players[0].EyesNumber == 2; }));
-  EXPECT_EQ(Game.Players[0].PlayerName, "Host");
-  EXPECT_EQ(Game.Players[1].PlayerId, 7);
-  EXPECT_TRUE(Console.Has("Client and server versions match (Tumblekin v1.0)"));
-  // The local player's own pick goes out as a Report on channel 0.
-  NP_SendPacket(NP_TO_DEFAULT, 3, "%d", 1);
-  EXPECT_TRUE(PollFor(300, [] { return false; }));
-
-  Server.Queue(End(Shorts(20, {0})));  // the server's goodbye, its ID field 0
-  EXPECT_FALSE(PollFor(2000, [] { return false; }));
-  NP_SendPacket(NP_TO_SERVER, 0, "");  // the game loop's goodbye, flushed at once
-  double end = NowMs() + 1000;
-  while (Server.ReceivedCount < 3 && NowMs() < end) rest(5);
-  Server.Finish();
-  EXPECT_EQ(ReceivedHex(Server.Host),
-            (std::vector<std::string>{"01 07 00 5A 65 64 0D 20 4A 72 00", "03 01 00 00", "00 00"}));
-  for (const ReceivedPacket &p : Server.Host.Received) EXPECT_EQ(p.Channel, 0);
+  EXPECT_TRUE(PumpUntil([] { NET_ClientPoll(), rest(22); }, [] { return Game.Players[0].EyesNumber == 2; }, 5000));
+  EXPECT_EQ(Console.Said(), (Texts{"NET_InitNetwork: Network initialised.",
+                                   "Connection to 127.0.0.1:" + Config.RemoteServerPort + " established",
+                                   "Ignored unexpected packet (type 51)", "Ignored unexpected packet (type 21)",
+                                   "Ignored unexpected packet (type 40)"}));
+  // A pick goes to the server only; the goodbyes end the game, flushed at once.
+  NP_SendPacket(NP_TO_DEFAULT, NP_REPORT_EYES, "%d", 1);
+  NP_SendPacket(0, NP_REPORT_EYES, "%d", 2);
+  NP_SendPacket(NP_TO_ALL, NP_REPORT_EYES, "%d", 2);
+  EXPECT_EQ(Console.Lines().back(), "Client attempted to send a packet to all other clients");
+  server.Release = 6;
+  EXPECT_FALSE(PollFor(3000));
+  NP_SendPacket(NP_TO_SERVER, NP_REPORT_QUIT, "");
+  PumpUntil([] { rest(5); }, [&] { return server.Count == 3; }, 2000);
+  EXPECT_EQ(server.Host.Seen(), (Texts{"0: 01 07 00 5A 65 64 0D 20 4A 72 00", "0: 03 01 00 00", "0: 00 00"}));
 }
 
-TEST_F(ClientConnectTest, DifferentVersionShowsTheBoxAndEnds) {
-  ASSERT_TRUE(Server.Start(Port));
-  Server.Queue(Shorts(40, {1, 2}));
-  Server.Queue(TextPkt(53, {}, "Tumblekin v1.01"));
-  Server.Queue(Shorts(18, {2, 3}));
+TEST_F(ConnectTest, DifferentVersionShowsTheBoxAndEnds) {
+  FakeServer server;
+  server.Start({Pkt(40, {1, 2}), Pkt(53, {}, "Tumblekin v1.01"),
+                Pkt(19, {1, 3})},
+               3);
   ASSERT_TRUE(Connect());
-  KeyPresser enter("Return", 800);
-  double start = NowMs();
-  bool goOn = PollFor(8000, [] { return false; });
-  double waited = NowMs() - start;
-  enter.Finish();
-  EXPECT_FALSE(goOn);
-  EXPECT_GT(waited, 700.0);  // the box held the thread until Enter
-  EXPECT_LT(waited, 7000.0);
-  // The box's blue title strip stood on the screen.
-  EXPECT_GT(enter.CountColour(3, 3, 255), 100);
-  EXPECT_FALSE(Console.Has("Client and server versions match (Tumblekin v1.01)"));
-  EXPECT_EQ(Game.Players[1].PlayerId, 0);  // nothing behind the version was applied
+  Shot box;
+  EXPECT_FALSE(Driven([&] { box = When(&Shot::Box), Key("Return"); }, [] { return PollFor(8000); }));
+  EXPECT_TRUE(box.Box());
+  EXPECT_EQ(Game.Players[1].PlayerId, 0);  // nothing behind the version applied
 }
 
-TEST_F(ClientConnectTest, LostConnectionEndsTheGame) {
-  ASSERT_TRUE(Server.Start(Port));
-  Server.Queue(Shorts(40, {1, 2}));
-  ASSERT_TRUE(Connect());
-  EXPECT_TRUE(PollFor(200, [] { return false; }));
-  Server.Hangup = true;
-  EXPECT_FALSE(PollFor(3000, [] { return false; }));
-}
-
-TEST_F(ClientConnectTest, EscapeOnTheFirstScreenCancels) {
-  // Nobody listens on this port: the first screen turns until Esc.
-  KeyPresser esc("Escape", 600);
-  double start = NowMs();
-  EXPECT_FALSE(Connect());
-  esc.Finish();
-  EXPECT_GT(NowMs() - start, 500.0);
+TEST_F(ConnectTest, EscapeOnTheFirstScreenCancels) {
+  // Nobody listens: the first screen turns until Esc.
+  EXPECT_FALSE(Driven([] { Key("Escape"); }, NET_ConnectToServer));
   EXPECT_FALSE(NetworkInitialised);
   EXPECT_EQ(NetHost, nullptr);
 }

@@ -1,12 +1,8 @@
-// A test client and a fake server that speak the game's wire format through
-// ENet directly, with bytes of their own, on the loopback address only; and a
-// capture of the console's lines through its log stream.
+// Test peers speaking the wire format on 127.0.0.1, and the console's lines.
 #pragma once
 #include <enet/enet.h>
 #include <chrono>
-#include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <string>
@@ -15,181 +11,101 @@
 #include "rvk/console.h"
 
 typedef std::vector<uint8_t> Bytes;
+typedef std::vector<std::string> Texts;
 
-// Little-endian building blocks of a packet.
-inline void PutShort(Bytes &b, int v) { b.insert(b.end(), {(uint8_t)v, (uint8_t)(v >> 8)}); }
-inline void PutInt(Bytes &b, int32_t v) {
-  for (int i = 0; i < 4; i++) b.push_back((uint8_t)((uint32_t)v >> (8 * i)));
-}
-inline Bytes Pkt(uint8_t type) { return Bytes{type}; }
-inline Bytes End(Bytes b) {
-  b.push_back(0);
-  return b;
-}
-// A packet of a type, 16-bit fields and maybe a text, closed by its zero byte.
-inline Bytes Shorts(uint8_t type, std::initializer_list<int> values, const std::string *text = nullptr) {
+// A packet as on the wire: its type byte, 16-bit fields, maybe a text, a zero.
+inline Bytes Pkt(uint8_t type, std::initializer_list<int> shorts = {}, const char *text = nullptr) {
   Bytes b{type};
-  for (int v : values) PutShort(b, v);
-  if (text) {
-    PutShort(b, (int)text->size());
-    b.insert(b.end(), text->begin(), text->end());
-  }
+  auto put = [&](int v) { b.insert(b.end(), {(uint8_t)v, (uint8_t)(v >> 8)}); };
+  for (int v : shorts) put(v);
+  if (text) put((int)std::strlen(text)), b.insert(b.end(), text, text + std::strlen(text));
   b.push_back(0);
   return b;
-}
-inline Bytes TextPkt(uint8_t type, std::initializer_list<int> values, const std::string &text) {
-  return Shorts(type, values, &text);
-}
-// A 32-bit field is the same bytes as its low and high 16-bit halves.
-inline Bytes ConsolePkt(int id, int32_t colour, const std::string &text) {
-  return TextPkt(52, {id, colour & 0xFFFF, (int)((uint32_t)colour >> 16)}, text);
-}
-inline Bytes FloatPkt(uint8_t type, int id, float f) {
-  uint32_t bits;
-  std::memcpy(&bits, &f, 4);
-  return Shorts(type, {id, (int)(bits & 0xFFFF), (int)(bits >> 16)});
 }
 inline std::string Hex(const Bytes &b) {
   std::string s;
-  char t[4];
-  for (size_t i = 0; i < b.size(); i++) {
-    std::snprintf(t, sizeof(t), i ? " %02X" : "%02X", b[i]);
-    s += t;
-  }
-  return s;
+  for (uint8_t c : b) s += "0123456789ABCDEF"[c >> 4], s += "0123456789ABCDEF"[c & 15], s += ' ';
+  return s.substr(0, s.size() - !s.empty());
 }
 
-// A port per test run, in a high range, so that runs side by side don't clash.
-inline uint16_t TestPort(int offset) { return (uint16_t)(30000 + (getpid() % 15000) + offset); }
-
+// A port per test run, so that runs side by side don't clash.
+inline uint16_t TestPort(int offset) { return (uint16_t)(30000 + getpid() % 15000 + offset); }
 inline double NowMs() {
   return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
+// Runs `step` until `done` holds or `ms` have passed; whether it held.
+inline bool PumpUntil(const std::function<void()> &step, const std::function<bool()> &done, double ms) {
+  for (double end = NowMs() + ms; NowMs() < end; step())
+    if (done()) return true;
+  return done();
+}
 
-struct ReceivedPacket {
-  Bytes Data;
-  int Channel = 0;
-  double Time = 0;
-};
-
-// One ENet host of the test's own, a client of a server on 127.0.0.1 or a
-// server on 127.0.0.1, that keeps what arrives.
+// A client of a server on 127.0.0.1, or a server there, keeping what arrives.
 class TestHost {
 public:
   ENetHost *Host = nullptr;
   ENetPeer *Peer = nullptr;  // the server, or the last peer that connected
-  std::vector<ENetPeer *> Peers;  // every peer that connected, in order
-  bool Connected = false;
-  std::vector<ReceivedPacket> Received;
+  struct Packet {
+    Bytes Data;
+    int Channel;
+    double Time;
+  };
+  std::vector<Packet> Received;
   double ConnectTime = 0;
 
-  ~TestHost() { Close(); }
-
-  bool StartClient(uint16_t port) {
-    Host = enet_host_create(nullptr, 1, 2, 0, 0);
-    if (!Host) return false;
-    ENetAddress address;
-    enet_address_set_host(&address, "127.0.0.1");
-    address.port = port;
-    Peer = enet_host_connect(Host, &address, 2, 0);
-    return Peer != nullptr;
+  ~TestHost() {
+    if (Host) enet_host_destroy(Host);
   }
-  bool StartServer(uint16_t port) {
-    ENetAddress address;
+  bool Start(uint16_t port, bool server) {
+    ENetAddress address{ENET_HOST_ANY, port};
     enet_address_set_host(&address, "127.0.0.1");
-    address.port = port;
-    Host = enet_host_create(&address, 8, 2, 0, 0);
-    return Host != nullptr;
+    Host = enet_host_create(server ? &address : nullptr, server ? 8 : 1, 2, 0, 0);
+    return Host && (server || (Peer = enet_host_connect(Host, &address, 2, 0)));
   }
-  // Takes whatever is there without waiting (or up to `wait` ms).
+  bool StartClient(uint16_t port) { return Start(port, false); }
+  bool Connected() const { return ConnectTime > 0; }
   void Service(int wait = 0) {
-    if (!Host) return;
-    ENetEvent event;
-    while (enet_host_service(Host, &event, (enet_uint32)wait) > 0) {
-      wait = 0;
-      if (event.type == ENET_EVENT_TYPE_CONNECT) {
-        Connected = true;
-        ConnectTime = NowMs();
-        Peer = event.peer;
-        Peers.push_back(event.peer);
-      } else if (event.type == ENET_EVENT_TYPE_RECEIVE) {
-        ReceivedPacket p;
-        p.Data.assign(event.packet->data, event.packet->data + event.packet->dataLength);
-        p.Channel = event.channelID;
-        p.Time = NowMs();
-        Received.push_back(p);
-        enet_packet_destroy(event.packet);
-      }
+    for (ENetEvent e; enet_host_service(Host, &e, (enet_uint32)wait) > 0; wait = 0) {
+      if (e.type == ENET_EVENT_TYPE_CONNECT) ConnectTime = NowMs(), Peer = e.peer;
+      if (e.type != ENET_EVENT_TYPE_RECEIVE) continue;
+      Received.push_back({Bytes(e.packet->data, e.packet->data + e.packet->dataLength), e.channelID, NowMs()});
+      enet_packet_destroy(e.packet);
     }
   }
   void Send(const Bytes &b, int channel = 0) {
-    if (!Peer) return;
-    ENetPacket *packet = enet_packet_create(b.data(), b.size(), ENET_PACKET_FLAG_RELIABLE);
-    if (enet_peer_send(Peer, (enet_uint8)channel, packet) != 0) enet_packet_destroy(packet);
+    enet_peer_send(Peer, (enet_uint8)channel, enet_packet_create(b.data(), b.size(), ENET_PACKET_FLAG_RELIABLE));
     enet_host_flush(Host);
   }
-  void Close() {
-    if (Host) enet_host_destroy(Host);
-    Host = nullptr;
-    Peer = nullptr;
+  // The packets from the `from`th on, as "channel: hex".
+  Texts Seen(size_t from = 0) const {
+    Texts out;
+    for (size_t i = from; i < Received.size(); i++)
+      out.push_back(std::to_string(Received[i].Channel) + ": " + Hex(Received[i].Data));
+    return out;
+  }
+  std::string LocalPort() const {
+    ENetAddress a{};
+    enet_socket_get_address(Host->socket, &a);
+    return std::to_string(a.port);
   }
 };
 
-// The packets that `h` received from the `from`th on, as hex.
-inline std::vector<std::string> ReceivedHex(const TestHost &h, size_t from = 0) {
-  std::vector<std::string> out;
-  for (size_t i = from; i < h.Received.size(); i++) out.push_back(Hex(h.Received[i].Data));
-  return out;
-}
-
-// Runs `step` until `done` holds or `timeoutMs` has passed; true if it held.
-inline bool PumpUntil(const std::function<void()> &step, const std::function<bool()> &done, double timeoutMs) {
-  double end = NowMs() + timeoutMs;
-  while (NowMs() < end) {
-    step();
-    if (done()) return true;
-  }
-  return done();
-}
-
-// The console's lines, caught through its log stream; the time stamp that
-// each line of the log starts with is cut off.
+// The console's lines from its log; Said() leaves out the cues' (sound is off).
 class ConsoleCapture {
 public:
-  FILE *File = nullptr;
-  ConsoleCapture() {
-    File = std::tmpfile();
-    ConsoleLogFile = File;
-    ConsoleLogOn = true;
-  }
-  ~ConsoleCapture() {
-    ConsoleLogOn = false;
-    ConsoleLogFile = nullptr;
-    if (File) std::fclose(File);
-  }
-  std::vector<std::string> Lines() {
-    std::vector<std::string> lines;
-    std::fflush(File);
+  FILE *File = std::tmpfile();
+  ConsoleCapture() { ConsoleLogFile = File, ConsoleLogOn = true; }
+  ~ConsoleCapture() { ConsoleLogFile = nullptr, ConsoleLogOn = false, std::fclose(File); }
+  Texts Lines(bool cues = true) {
+    Texts lines;
     std::rewind(File);
-    char buffer[2048];
-    while (std::fgets(buffer, sizeof(buffer), File)) {
-      std::string line = buffer;
-      if (!line.empty() && line.back() == '\n') line.pop_back();
-      // "dd/mm/yyyy - hh:mm:ss: " comes first.
-      size_t at = line.find(": ", 20);
-      lines.push_back(at == std::string::npos ? line : line.substr(at + 2));
+    for (char b[2048]; std::fgets(b, sizeof b, File);) {
+      std::string line = std::strchr(b + 20, ':') + 2;  // after "dd/mm/yyyy - hh:mm:ss: "
+      line.pop_back();
+      if (cues || line.rfind("Not playing", 0)) lines.push_back(line);
     }
-    std::fseek(File, 0, SEEK_END);
     return lines;
   }
-  bool Has(const std::string &line) {
-    for (const std::string &l : Lines())
-      if (l == line) return true;
-    return false;
-  }
-  void Clear() {
-    std::fclose(File);
-    File = std::tmpfile();
-    ConsoleLogFile = File;
-  }
+  Texts Said() { return Lines(false); }
+  void Clear() { std::rewind(File), (void)!ftruncate(fileno(File), 0); }
 };

@@ -1,15 +1,13 @@
-// The client's handling of what the server sends, driven packet by packet
-// through the parser and the dispatch, without a connection.
+// The client's handling of the server's packets, parsed and dispatched.
 #include <gtest/gtest.h>
 #include <tuple>
-#include "app/game.h"
+#include "app/parts.h"
 #include "net/client.h"
-#include "net/packets.h"
-#include "net/server.h"
+#include "net/send.h"
 #include "netpeer/netpeer.h"
 
-// A client at number 1 (ID 4) of a roster with the server's player (ID 0)
-// and one more player (ID 6).
+// The client is number 1 (ID 2) between the server's player (ID 0) and Bob
+// (ID 8). The console holds one line, for packets to colour.
 class ClientTest : public testing::Test {
 protected:
   ConsoleCapture Console;
@@ -21,109 +19,79 @@ protected:
     Game.Hats.resize(2);
     Game.Mode = GAME_MODE_CLIENT;
     Game.Players.assign(3, PlayerClass());
-    for (PlayerClass &p : Game.Players) ResetPlayer(p);
+    for (int i = 0; i < 3; i++) ResetPlayer(Game.Players[i]), Game.Players[i].PlayerId = 2 * i * i;
     Game.SetLocalPlayer(1);
-    Game.Players[0].PlayerId = 0;
-    Game.Players[1].PlayerId = 4;
-    Game.Players[2].PlayerId = 6;
     Game.Players[2].PlayerName = "Bob";
+    ConsoleLines.assign(1, ConsoleLineClass());
     Console.Clear();
   }
-  void TearDown() override {
-    Game.Mode = GAME_MODE_NONE;
-    Game.Players.clear();
-    Game.LocalPlayer = nullptr;
-  }
+  void TearDown() override { Game.Mode = GAME_MODE_NONE; }
   bool Apply(const Bytes &b) {
     PacketFieldList fields;
-    int32_t type = NP_ParsePacket(fields, b.data(), b.size());
-    return NET_ClientDispatch(type, fields);
+    return NET_ClientDispatch(NP_ParsePacket(fields, b.data(), b.size()), fields);
+  }
+  static std::vector<int> Ids() {
+    std::vector<int> ids;
+    for (const PlayerClass &p : Game.Players) ids.push_back(p.PlayerId);
+    return ids;
   }
 };
 
-// The parts, face targets and name of a record.
 auto Record(const PlayerClass &p) {
   return std::make_tuple(p.CharacterNumber, p.EyesNumber, p.EarsNumber, p.HatNumber, p.EyesOriTarget[0],
                          p.EyesOriTarget[1], p.EyebrowsY, p.PlayerName);
 }
-std::vector<int> Ids() {
-  std::vector<int> ids;
-  for (const PlayerClass &p : Game.Players) ids.push_back(p.PlayerId);
-  return ids;
-}
 
-TEST_F(ClientTest, AppliesTheServersWord) {
-  const Bytes packets[] = {
-      Shorts(23, {6, 2}), Shorts(24, {6, -1}), Shorts(30, {6, 1}),
-      Shorts(30, {6, 5}),  // no such hat here: refused
-      Shorts(22, {6, 2}),
-      Shorts(22, {6, 9}),  // no such body: number 0
-      FloatPkt(31, 6, 3.0f), FloatPkt(32, 6, -16.0f), FloatPkt(33, 6, 1.5f), TextPkt(21, {6}, "B\rb 50%")};
-  for (const Bytes &b : packets) EXPECT_TRUE(Apply(b)) << Hex(b);
-  EXPECT_EQ(Record(Game.Players[2]), std::make_tuple(0, 2, -1, 1, 3.0f, -16.0f, 1.5f, std::string("B,b 50%")));
-  EXPECT_TRUE(Apply(TextPkt(21, {6}, "")));
-  EXPECT_EQ(Game.Players[2].PlayerName, "");
-  // The local player is untouched throughout.
-  EXPECT_EQ(Record(Game.Players[1]), std::make_tuple(0, 0, 0, 0, 0.0f, 0.0f, 0.0f, std::string()));
-
-  // An unknown ID: the warning, and nothing else.
-  Console.Clear();
-  EXPECT_TRUE(Apply(Shorts(23, {77, 1})));
-  EXPECT_EQ(Console.Lines(), std::vector<std::string>{"Warning GetPlayerNumber failed to resolve player ID 77"});
-  // Pong and a matching version log one line each; Ping, Reports, rowless
-  // types and dropped packets nothing.
-  Console.Clear();
-  for (const Bytes &b : {End(Pkt(51)), End(Pkt(50)), Shorts(3, {1}), Shorts(40, {0, 1}), End(Pkt(11)),
-                         Bytes{0x17, 0x06}, TextPkt(53, {}, "Tumblekin v1.0")})
+TEST_F(ClientTest, AppliesTheServersWordToThePlayerOfTheId) {
+  EXPECT_EQ(PacketSkipPlayerId, -1);
+  for (const Bytes &b : {Pkt(23, {8, 2}), Pkt(24, {8, -1}),
+                         Pkt(30, {8, 1}), Pkt(30, {8, 5}),  // no such hat: refused
+                         Pkt(22, {8, 2}), Pkt(22, {8, 9}),  // body 0
+                         Bytes{31, 8, 0, 0, 0, 0x40, 0x40}, Bytes{32, 8, 0, 0, 0, 0x80, 0xC1},
+                         Bytes{33, 8, 0, 0, 0, 0xC0, 0x3F}, Pkt(21, {8}, "B\rb 50%")})
     EXPECT_TRUE(Apply(b)) << Hex(b);
-  EXPECT_EQ(Console.Lines(), (std::vector<std::string>{"Recieved ping reply from server",
-                                                       "Client and server versions match (Tumblekin v1.0)"}));
-  EXPECT_EQ(Ids(), (std::vector<int>{0, 4, 6}));
-}
+  EXPECT_EQ(Record(Game.Players[2]), std::make_tuple(0, 2, -1, 1, 3.0f, -16.0f, 1.5f, std::string("B,b 50%")));
+  EXPECT_TRUE(Apply(Pkt(21, {8}, "")));
+  EXPECT_EQ(Game.Players[2].PlayerName, "");
+  Console.Clear();
+  for (const Bytes &b : {Pkt(23, {77, 1}), Pkt(51), Pkt(50), Pkt(3, {1}),
+                         Pkt(40, {0, 1}), Pkt(11), Bytes{23, 6},
+                         Pkt(53, {}, "Tumblekin v1.0")})
+    EXPECT_TRUE(Apply(b)) << Hex(b);
+  EXPECT_EQ(Console.Lines(), (Texts{"Warning GetPlayerNumber failed to resolve player ID 77",
+                                    "Recieved ping reply from server",
+                                    "Client and server versions match (Tumblekin v1.0)"}));
 
-TEST_F(ClientTest, JoinedAndPlayerIdKeepInsideTheRoster) {
-  EXPECT_TRUE(Apply(Shorts(18, {4, 8})));
-  EXPECT_EQ(Ids(), (std::vector<int>{0, 4, 6, 8}));
-  EXPECT_TRUE(Apply(Shorts(19, {3, 11})));
-  // Out of range: ignored.
-  for (int n : {-1, 4, 300}) EXPECT_TRUE(Apply(Shorts(19, {n, 12})));
-  for (int c : {0, -3, 9, 1}) EXPECT_TRUE(Apply(Shorts(18, {c, 13})));
-  EXPECT_EQ(Ids(), (std::vector<int>{0, 4, 6, 11}));
-  EXPECT_EQ(Game.Players[3].PlayerName, "");
+  // Indices and counts from the server stay inside the roster.
+  for (const Bytes &b : {Pkt(18, {4, 9}), Pkt(19, {3, 11}),
+                         Pkt(19, {0, 1}), Pkt(19, {-1, 12}),
+                         Pkt(19, {4, 12}), Pkt(18, {0, 13}),
+                         Pkt(18, {9, 13}), Pkt(18, {1, 13})})
+    EXPECT_TRUE(Apply(b)) << Hex(b);
+  EXPECT_EQ(Ids(), (std::vector<int>{1, 2, 8, 11}));
+  EXPECT_TRUE(Apply(Pkt(18, {8, 15})));
+  EXPECT_EQ(Ids().back(), 15);
+  EXPECT_TRUE(Apply(Pkt(18, {2, 14})));
+  EXPECT_EQ(Ids(), (std::vector<int>{1, 14}));
   EXPECT_EQ(Game.LocalPlayer, &Game.Players[1]);
 }
 
 TEST_F(ClientTest, QuitAndConsoleLines) {
-  Game.Players[0].PlayerName = "Host";
-  // A console line of the server's own: the warning for ID -1, then the line.
-  EXPECT_TRUE(Apply(ConsolePkt(-1, -1, "Bob has joined the game")));
-  EXPECT_TRUE(Apply(ConsolePkt(6, 0x123456, "hi %d")));
-  EXPECT_EQ(Console.Lines(), (std::vector<std::string>{"Warning GetPlayerNumber failed to resolve player ID -1",
-                                                       "Bob has joined the game", "Bob: hi %d"}));
-  EXPECT_EQ(ConsoleLines.size(), 0u);  // the library isn't started: no screen lines
-
-  // The local player's own ID: the line, then the refusal; the record stays.
-  Console.Clear();
+  EXPECT_TRUE(Apply(Pkt(52, {-1, 0x3456, 0x12}, "Bob has joined the game")));
+  EXPECT_EQ(ConsoleLines.back().Colour, 0x123456);
+  EXPECT_TRUE(Apply(Pkt(52, {8, -1, -1}, "hi %d")));
+  EXPECT_EQ(ConsoleLines.back().Colour, 0x123456);
   Game.Players[1].PlayerName = "Me";
-  EXPECT_TRUE(Apply(Shorts(20, {4})));
-  EXPECT_EQ(Console.Lines(),
-            (std::vector<std::string>{"Me has left the game", "DeletePlayer: Not deleting local player 1"}));
-  EXPECT_EQ(Ids(), (std::vector<int>{0, 4, 6}));
-
-  // A lower-numbered player leaves: the local player moves down with its ID.
+  EXPECT_TRUE(Apply(Pkt(20, {2})));
+  EXPECT_EQ(Console.Said(), (Texts{"Warning GetPlayerNumber failed to resolve player ID -1", "Bob has joined the game",
+                                   "Bob: hi %d", "Me has left the game", "DeletePlayer: Not deleting local player 1"}));
+  EXPECT_EQ(ConsoleLines.back().Colour, makecol(255, 255, 255));
   Game.Players.insert(Game.Players.begin() + 1, PlayerClass());
-  Game.Players[1].PlayerId = 2;
+  Game.Players[1].PlayerId = 5;
   Game.SetLocalPlayer(2);
-  EXPECT_TRUE(Apply(Shorts(20, {2})));
-  EXPECT_TRUE(Apply(Shorts(20, {99})));  // nobody: dropped
-  EXPECT_EQ(Ids(), (std::vector<int>{0, 4, 6}));
-  EXPECT_EQ(Game.LocalPlayerNumber, 1);
+  for (int id : {5, 99}) EXPECT_TRUE(Apply(Pkt(20, {id})));
+  EXPECT_EQ(Ids(), (std::vector<int>{0, 2, 8}));
   EXPECT_EQ(Game.LocalPlayer, &Game.Players[1]);
-
-  // The server's own player: the end, its fields emptied.
-  PacketFieldList fields;
-  Bytes quit = Shorts(20, {0});
-  EXPECT_FALSE(NET_ClientDispatch(NP_ParsePacket(fields, quit.data(), quit.size()), fields));
-  EXPECT_TRUE(fields.empty());
-  EXPECT_EQ(Ids(), (std::vector<int>{0, 4, 6}));
+  EXPECT_FALSE(Apply(Pkt(20, {0})));
+  EXPECT_EQ(Ids(), (std::vector<int>{0, 2, 8}));
 }
