@@ -1,8 +1,5 @@
 // Any bytes through the packet parser into a dispatch: the first byte picks
 // the server's or the client's and the sender, the rest is the packet.
-#include "app/game.h"
-#include "net/client.h"
-#include "net/server.h"
 
 // Compiled in: the libraries of a fuzz build carry no coverage.
 #include "net/client.cpp"

@@ -1,9 +1,6 @@
 // Connects, packets and disconnects of nine peers, as ENet gives them, to the
 // server, its peer table checked after each. A byte picks the event and the
 // peer; a packet's length and bytes follow.
-#include "app/game.h"
-#include "net/netstate.h"
-#include "net/server.h"
 
 // Compiled in: the libraries of a fuzz build carry no coverage.
 #include "net/client.cpp"
