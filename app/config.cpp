@@ -2,9 +2,9 @@
 // command-line scan that picks the file.
 #include "app/config.h"
 #include <allegro.h>
-#include <cstdio>
 #include <cstring>
 #include <strings.h>
+#include <unistd.h>
 #include "rvk/core.h"
 #include "rvk/filecheck.h"
 
@@ -77,10 +77,7 @@ bool SaveConfig(ConfigClass &config) {
   set_config_string("network", "RemoteServerAddress", config.RemoteServerAddress.c_str());
   set_config_string("network", "RemoteServerPort", config.RemoteServerPort.c_str());
   flush_config_file();
-  // Allegro drops a file it can't write without a word; a file that can't be
-  // opened for writing now wasn't written either.
-  FILE *file = std::fopen(config.ConfigFileName.c_str(), "a");
-  if (!file) return false;
-  std::fclose(file);
-  return true;
+  // Allegro drops a file it can't write without a word: one that isn't there
+  // to be written now wasn't written either.
+  return access(config.ConfigFileName.c_str(), W_OK) == 0;
 }

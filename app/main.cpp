@@ -49,11 +49,10 @@ int main(int argc, char **argv) {
       allegro_message("%s", allegro_error);
   }
 
-  // Named before the window opens, so it never shows the executable's name,
-  // and again after, for drivers that only name a window that exists.
+  // Named before the window opens: AllegroGL names its window then, and
+  // otherwise shows the executable's name.
   set_window_title("Tumblekin");
   if (!RVK_Init(Config.ScreenWidth, Config.ScreenHeight, Config.ColourDepth, Config.Windowed, 45)) return 0;
-  set_window_title("Tumblekin");
 
   UseGameFont(datafile);
   allegro_gl_use_mipmapping(TRUE);

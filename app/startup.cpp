@@ -21,11 +21,11 @@ void UseGameFont(DATAFILE *datafile) {
 static void AskToClose(int) { RVK_RequestClose(); }
 
 void InstallCloseSignals() {
+  // Zeroed: no other signal is held off while the handler runs.
   struct sigaction action = {};
   action.sa_handler = AskToClose;
   // The handler is then reset: a second signal ends a program that hangs.
   action.sa_flags = SA_RESETHAND;
-  sigemptyset(&action.sa_mask);
   sigaction(SIGTERM, &action, nullptr);
   sigaction(SIGINT, &action, nullptr);
 }

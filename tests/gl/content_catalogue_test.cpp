@@ -17,8 +17,10 @@ TEST(ContentCatalogue, AnchorsSitOnTheirBodies) {
   std::vector<std::string> faults;
   for (const CharacterEntry &b : Game.Characters) {
     const float *lo = b.Model.BoundsMin, *hi = b.Model.BoundsMax, quarter = b.Model.Size[1] / 4;
+    const float *anchors[12] = {b.LeftEye, b.RightEye, b.LeftEar, b.RightEar, b.Nose, b.Mouth,
+                                b.LeftEyebrow, b.RightEyebrow, b.Moustache, b.LeftFoot, b.RightFoot, b.Hat};
     for (int a = 0; a < 12; a++) {
-      const float *p = b.LeftEye + 3 * a;  // the twelve points follow one another
+      const float *p = anchors[a];
       bool inside = (side[a] ? side[a] * p[0] > 0 : true) && (a == 2 || a == 3 || a > 8 || p[2] < 0) &&
                     (a == 11 ? p[1] >= hi[1] - quarter : a < 9 || p[1] <= lo[1] + quarter);
       for (int c = 0; c < 3; c++) inside = inside && p[c] >= lo[c] - 0.005f && p[c] <= hi[c] + 0.005f;

@@ -75,20 +75,28 @@ string Parts(const PlayerClass &p) {
 
 TEST_F(Rules, ScreenSizesTheDisplayCantTakeBecomeTheDefault) {
   // Without a desktop to ask, 800 by 600 is the default and the limit. Each
-  // row: width and height written, then taken, and the error log's lines.
-  const char *rows[][3] = {{"", "", "800 600 0"},    {"1", "600", "1 600 0"},     {"800", "1", "800 1 0"},
-                           {"0", "601", "800 600 2"}, {"801", "abc", "800 600 2"}};
+  // row: the video section, then the size and window taken and the error
+  // log's lines.
+  const char *rows[][2] = {{"", "800 600 0 0"}, {"width = 1\nheight = 600\nwindow = 1", "1 600 1 0"},
+                           {"width = 800\nheight = 1", "800 1 0 0"}, {"width = 0\nheight = 601", "800 600 0 2"},
+                           {"width = 801\nheight = abc", "800 600 0 2"}};
   for (auto &row : rows) {
     remove("RVK Error Log.txt");
-    ofstream("s.ini") << "[video]\nwidth = " << row[0] << "\nheight = " << row[1] << "\n";
+    ofstream("s.ini") << "[video]\n" << row[0] << "\n";
     ConfigClass config;
     config.ConfigFileName = "s.ini";
     LoadConfig(config);
     stringstream in;
     in << ifstream("RVK Error Log.txt").rdbuf();
     string log = in.str();
-    EXPECT_EQ(Str(config.ScreenWidth, config.ScreenHeight, std::count(log.begin(), log.end(), '>')), row[2]);
+    EXPECT_EQ(Str(config.ScreenWidth, config.ScreenHeight, config.Windowed, std::count(log.begin(), log.end(), '>')), row[1]);
   }
+  // Written only where it can be, and at once.
+  ConfigClass written, lost;
+  written.ConfigFileName = "new.ini";
+  lost.ConfigFileName = "nodir/x.ini";
+  EXPECT_TRUE(SaveConfig(written));
+  EXPECT_EQ(Str(access("new.ini", R_OK), SaveConfig(lost)), "0 0");
   // The last option counts, even as the value of another; one at the end is ignored.
   for (auto args : {vector<const char *>{"-config", "-config", "c", "x", "-config"}, {"-CoNfIg", "c"}}) {
     args.insert(args.begin(), "tumblekin");
@@ -127,8 +135,9 @@ TEST_F(Rules, ResetViewTakesTheBodysCamera) {
   ResetPlayer(*Game.LocalPlayer);
   Game.IdleYaw = Game.IdleYawTarget = Game.IdleCameraZTarget = Game.ViewAngles[0] = Game.ViewAngles[2] = 9;
   Game.ResetView();
-  // The camera, the view angles, the idle yaw and both idle targets.
-  EXPECT_EQ(Floats(Game.CameraPosition, Game.CameraPosition + 9), (Floats{0, 0, -300, 0, 0, 0, 0, 0, 0}));
+  EXPECT_EQ(Str(Game.CameraPosition[0], Game.CameraPosition[1], Game.CameraPosition[2], Game.ViewAngles[0],
+                Game.ViewAngles[2], Game.IdleYaw, Game.IdleYawTarget, Game.IdleCameraZTarget),
+            "0 0 -300 0 0 0 0 0");
   Game.LocalPlayer = nullptr;
   Game.ResetView();
 }
@@ -147,7 +156,7 @@ TEST_F(Rules, PartsTakeNumbersOfTheirCatalogueAndPlayTheirCue) {
   PlayCueSample = RecordCue;
   SoundOn = true;
   Config.SoundVolume = 300;
-  for (float *f = P.EyesOri; f <= &P.EyebrowsY; f++) *f = 5;
+  P = {0, nullptr, "", 0, 0, 0, 0, 0, 0, 0, 0, 0, {5, 5, 5}, {5, 5, 5}, 5};
   // Each step: operation, number, its field after, the cue played. A part
   // refuses what its catalogue lacks; a body takes 0 instead and clears the face.
   const int steps[][4] = {{1, -2, 0, 0}, {1, -1, -1, 1}, {1, 1, 1, 1}, {1, 2, 1, 0}, {8, 4, 0, 0},
