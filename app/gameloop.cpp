@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include "app/game.h"
 #include "app/parts.h"
 #include "app/scene.h"
@@ -104,9 +107,19 @@ static void CreateToolbar(ToolbarClass &toolbar) {
   }
 }
 
+// The catalogues come back in pieces of other sizes than the ones they
+// freed, and the C library keeps freed pages for itself; handing them back
+// keeps a session that reloads again and again at the memory of one load.
+static void ReleaseFreedMemory() {
+#ifdef __GLIBC__
+  malloc_trim(0);
+#endif
+}
+
 // Answers false when the game can't go on: the user has been told why.
 static bool ReloadData(GameClass &game) {
   UnloadGame(game);
+  ReleaseFreedMemory();
   if (!LoadGame(game)) {
     RVK_MessageBox("%s", game.LoadError.c_str());
     return false;

@@ -5,7 +5,6 @@ frame trace (TUMBLEKIN_FRAME_TRACE).
 Usage: python3 bench/frame_bench.py [SECONDS]"""
 import configparser
 import os
-import statistics
 import sys
 import time
 
@@ -13,6 +12,7 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "tests", "e2e"))
 os.environ.setdefault("TK_BUILD_DIR", os.path.join(HERE, "..", "build"))
 import tk  # noqa: E402
+import gamebench  # noqa: E402
 
 
 def most_complex_body():
@@ -38,10 +38,7 @@ row, size, bodies = most_complex_body()
 with tk.VirtualDisplay() as display:
     game = tk.Game(display, settings=tk.DEFAULT_SETTINGS, trace=True)
     try:
-        game.start()
-        game.wait_drawn()
-        game.key("Return")  # New Game: every part at its first entry
-        time.sleep(1.0)
+        gamebench.start_new_game(game)
         # Scroll the body bar with its Down button at the foot, one row a
         # press as far as it goes, then pick the row where it now stands. An
         # 800 by 600 window shows three body rows.
@@ -55,12 +52,5 @@ with tk.VirtualDisplay() as display:
     finally:
         game.stop()
 
-if len(frames) < 2:
-    sys.exit("no frames were traced")
-busy = sorted(b for _, b in frames)
-p95 = busy[int(len(busy) * 0.95) - 1]
-median = statistics.median(busy) / 1000.0
 print("body row %d (model file %d bytes), fully dressed" % (row, size))
-print("frames: %d" % len(frames))
-print("busy time per frame: median %.2f ms, 95th percentile %.2f ms, %.1f %% of the 22.2 ms frame (target under 20 %%)"
-      % (median, p95 / 1000.0, median / 22.222 * 100))
+gamebench.print_busy(frames, 20)

@@ -5,21 +5,18 @@ Usage: python3 bench/framerate.py [SECONDS]"""
 import os
 import statistics
 import sys
-import time
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "tests", "e2e"))
 os.environ.setdefault("TK_BUILD_DIR", os.path.join(HERE, "..", "build"))
 import tk  # noqa: E402
+import gamebench  # noqa: E402
 
 seconds = float(sys.argv[1]) if len(sys.argv) > 1 else 10.0
 with tk.VirtualDisplay() as display:
     game = tk.Game(display, settings=tk.DEFAULT_SETTINGS, trace=True)
     try:
-        game.start()
-        game.wait_drawn()
-        game.key("Return")  # New Game
-        time.sleep(1.5)
+        gamebench.start_new_game(game, settle=1.5)
         frames = game.record_frames(seconds)
     finally:
         game.stop()

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Draws the contact sheets of the shipped content into docs/contact-sheets/:
-# every body in a few outfits, and every part on the first body, through the
+# every body in a few outfits, every part on the first body, and a strip of
+# frames of every body's and every moving part's animation, through the
 # game's own drawing, on a virtual display.
 # Usage: tools/make-contact-sheets.sh [build-directory]
 set -euo pipefail

@@ -139,8 +139,7 @@ TEST(ModelRender, EachFrameHasItsListAndTheClockStepsThem) {
   ASSERT_TRUE(Load(model, SlidingSquare(30))) << model.Error;
   EXPECT_EQ(std::make_tuple(model.Animated, model.ListCount(), model.CurrentFrame, model.Model->CurrentTime),
             std::make_tuple(true, 60, 0.0f, 0.0f));
-  // Lists 58 and 59 both hold frame 29; 29.9 draws 59, even with 58 gone.
-  glDeleteLists(model.ListBase + 58, 1);
+  // Lists 58 and 59 both hold frame 29.
   const std::tuple<float, float, std::vector<At>> frames[] = {
       {0, 0, {{-2, 0, kWhite}, {2, 0, kBlack}}},
       {29.9f, 0, {{2, 0, kWhite}, {-2, 0, kBlack}}},
@@ -197,6 +196,60 @@ TEST(ModelRender, EachFrameHasItsListAndTheClockStepsThem) {
   EXPECT_FALSE(model.Load("/nonexistent/x.ms3d"));
   EXPECT_EQ(std::make_tuple(model.Error, model.ModelAllocated, model.Loaded),
             std::make_tuple("Unable to load model from /nonexistent/x.ms3d", true, false));
+}
+
+// The lists of an animated model share what keeps its shape. Above, two
+// still squares and between them one that the slide carries with half the
+// weight, so it shrinks towards the origin; in the middle, one that the
+// slide carries whole; below, one stretched between a still side and a
+// sliding side, one that a second joint (bound a quarter turned) turns a
+// quarter about its foot, and a still one. Both lists of a frame draw it.
+TEST(ModelRender, SharedListsInEveryFrame) {
+  MS3DWriter w = SlidingSquare(30);
+  w.Groups.clear(), w.Triangles.clear(), w.Vertices.clear();
+  const float quarter = 1.5707964f;
+  // Named apart: an empty parent name would find a joint named "".
+  std::strcpy(w.Joints[0].Name, "slide");
+  msJoint &turn = w.Joints.emplace_back();
+  std::strcpy(turn.Name, "turn");
+  turn.Position[0] = -3, turn.Position[1] = -2.5f, turn.Rotation[2] = quarter;
+  turn.RotationKeys = {{0, {0, 0, 0}}, {29.0f / 8, {0, 0, quarter}}};
+  const int8_t none = -1, slide = 0, turned = 1;
+  const struct {
+    float X, Y;
+    int8_t Left, Right;
+    uint8_t Weight;
+  } squares[] = {{-3, 2, none, none, 0}, {3, 2, none, none, 0},    {0, 2, slide, slide, 50},   {0, 0, slide, slide, 0},
+                 {0, -2, none, slide, 0}, {-3, -2, turned, turned, 0}, {3, -2, none, none, 0}};
+  for (const auto &q : squares) {
+    AddSquare(w, q.X, q.Y, -1);
+    // AddSquare's corners run lower left, lower right, upper right, upper left.
+    for (int c = 0; c < 4; c++) {
+      msVertex &v = w.Vertices[w.Vertices.size() - 4 + size_t(c)];
+      v.BoneId = c == 1 || c == 2 ? q.Right : q.Left;
+      v.BoneWeights[0] = q.Weight;
+    }
+  }
+  ModelClass model;
+  ASSERT_TRUE(Load(model, w)) << model.Error;
+  EXPECT_EQ(model.ListCount(), 60);
+  for (GLuint list : {0u, 1u, 58u, 59u}) {
+    BeginScene(false);
+    glCallList(model.ListBase + list);
+    const bool last = list >= 58;
+    const float x = last ? 2.0f : -2.0f;
+    ExpectPixels({{-3, 2, kWhite}, {3, 2, kWhite}, {3, -2, kWhite}, {x, 0, kWhite}, {-x, 0, kBlack},
+                  {last ? 1.5f : -1.0f, -2, kWhite}, {last ? -1.0f : 1.5f, -2, kBlack},
+                  {-3, -1.8f, last ? kBlack : kWhite}, {-3.6f, -2.4f, last ? kWhite : kBlack}, {x / 2, 1, kWhite},
+                  {-x / 2, 1, kBlack}},
+                 "list " + std::to_string(list));
+  }
+  // Two runs of still squares and the two carried whole have shared lists,
+  // which go with the others.
+  GLuint base = model.ListBase;
+  EXPECT_TRUE(glIsList(base + 60) && glIsList(base + 63));
+  model.Unload();
+  EXPECT_FALSE(glIsList(base + 60) || glIsList(base + 63));
 }
 
 TEST(ModelRender, PlacedTurnedLitAndTextured) {

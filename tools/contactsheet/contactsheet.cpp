@@ -1,8 +1,9 @@
 // make_contact_sheets: draws every body in a few outfits, and every part on
 // the first body, through the game's own catalogues and DrawPlayer, each seen
-// from the front and in profile, and writes the pictures
-// as PNG contact sheets. Runs from the game directory (the datafiles and
-// data/) on an X display; a virtual one will do.
+// from the front and in profile, and strips of every body's and every moving
+// part's animation, and writes the pictures as PNG contact sheets. Runs from
+// the game directory (the datafiles and data/) on an X display; a virtual one
+// will do.
 //
 //   make_contact_sheets <output-directory>
 // The game's headers come before AllegroGL's: Xlib, which it pulls in,
@@ -24,6 +25,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -191,8 +193,9 @@ void DrawView(PlayerClass &player, unsigned kinds, float yaw) {
   DisableLights();
 }
 
-// The caption on white above a cell: a title in black and the rest in grey.
-void DrawLabel(Picture &sheet, int x, int y, const std::vector<std::string> &lines) {
+// The caption on white above a cell `w` wide: a title in black and the rest
+// in grey.
+void DrawLabel(Picture &sheet, int x, int y, const std::vector<std::string> &lines, int w = CELL_W) {
   glViewport(0, 0, SCREEN_W, SCREEN_H);
   glClearColor(1, 1, 1, 1);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
@@ -202,8 +205,10 @@ void DrawLabel(Picture &sheet, int x, int y, const std::vector<std::string> &lin
     RVK_Printf(4, SCREEN_H - LABEL_H + 1 + static_cast<int>(i) * LINE_H, colour, "%s", lines[i].c_str());
   }
   RVK_End2D(0);
-  ReadInto(sheet, x, y, CELL_W, LABEL_H, 1);
+  ReadInto(sheet, x, y, w, LABEL_H, 1);
 }
+
+void FrameCell(Picture &sheet, int x, int y, int w);
 
 // A cell: the caption, then the character from each side, framed to hold
 // the parts of `kinds`, so that all cells of a body share one scale.
@@ -217,13 +222,17 @@ void DrawCell(Picture &sheet, int x, int y, PlayerClass &player, unsigned kinds,
     DrawView(player, kinds, VIEW_YAW[v]);
     ReadInto(sheet, x + v * VIEW_W, y + LABEL_H, VIEW_W, VIEW_H, SUPER);
   }
-  // A thin frame keeps neighbouring cells apart.
-  for (int i = 0; i < CELL_W; i++) {
+  FrameCell(sheet, x, y, CELL_W);
+}
+
+// A thin frame at the right and bottom keeps neighbouring cells apart.
+void FrameCell(Picture &sheet, int x, int y, int w) {
+  for (int i = 0; i < w; i++) {
     unsigned char *p = &sheet.Rgb[(static_cast<size_t>(y + CELL_H - 1) * sheet.W + x + i) * 3];
     p[0] = p[1] = p[2] = 200;
   }
   for (int j = 0; j < CELL_H; j++) {
-    unsigned char *p = &sheet.Rgb[(static_cast<size_t>(y + j) * sheet.W + x + CELL_W - 1) * 3];
+    unsigned char *p = &sheet.Rgb[(static_cast<size_t>(y + j) * sheet.W + x + w - 1) * 3];
     p[0] = p[1] = p[2] = 200;
   }
 }
@@ -319,6 +328,105 @@ bool PartSheet(const std::string &dir, int kind) {
   return SavePNG(sheet, dir + "/" + KIND_NAMES[kind] + ".png");
 }
 
+// ---------------------------------------------------------------- motion
+
+// Frames of a strip, spread evenly over the animation's loop.
+const int STRIP_FRAMES = 8;
+
+// Every model of the catalogues held at `frame` of its own loop.
+void HoldFrame(int frame, int strip) {
+  auto hold = [=](ModelClass &m) {
+    if (m.ListCount() > 1) m.CurrentFrame = static_cast<float>(frame * m.Model->TotalFrames / strip);
+  };
+  for (CharacterEntry &e : Game.Characters) hold(e.Model);
+  for (auto *cat : {&Game.Eyes, &Game.Ears, &Game.Eyebrows, &Game.Feet}) {
+    for (PairPartEntry &e : *cat) {
+      hold(e.LeftModel);
+      hold(e.RightModel);
+    }
+  }
+  for (auto *cat : {&Game.Noses, &Game.Mouths, &Game.Moustaches}) {
+    for (SinglePartEntry &e : *cat) hold(e.Model);
+  }
+  for (HatEntry &e : Game.Hats) hold(e.Model);
+}
+
+// The model of entry `n` of catalogue `kind` (the left one of a pair).
+const ModelClass &PartModel(int kind, int32_t n) {
+  const ModelClass *m;
+  switch (kind) {
+  case 0: m = &Game.Eyes[n].LeftModel; break;
+  case 1: m = &Game.Ears[n].LeftModel; break;
+  case 2: m = &Game.Noses[n].Model; break;
+  case 3: m = &Game.Mouths[n].Model; break;
+  case 4: m = &Game.Eyebrows[n].LeftModel; break;
+  case 5: m = &Game.Moustaches[n].Model; break;
+  case 6: m = &Game.Feet[n].LeftModel; break;
+  default: m = &Game.Hats[n].Model; break;
+  }
+  return *m;
+}
+
+// Whether a model moves by itself: it has lists for more than one frame.
+bool Moves(const ModelClass &m) { return m.ListCount() > 2; }
+
+// A strip looks from the side where the model moves: from behind when what
+// its joints carry lies mostly behind its middle (a tail), else from the
+// front.
+float StripYaw(const ModelClass &m) {
+  const msModel &model = *m.Model;
+  double z = 0;
+  int bound = 0;
+  for (const msVertex &v : model.Vertices) {
+    if (v.BoneId < 0 || v.BoneId >= static_cast<int>(model.Joints.size())) continue;
+    z += v.Position[2];
+    bound++;
+  }
+  return bound > 0 && z / bound > m.HalfSize[2] / 2 ? 180.0f : VIEW_YAW[0];
+}
+
+// One row of a strip: the character from the front at STRIP_FRAMES points
+// of its loop, so the motion reads from left to right.
+void DrawStrip(Picture &sheet, int y, PlayerClass &player, unsigned kinds, const std::string &title, float yaw) {
+  for (int f = 0; f < STRIP_FRAMES; f++) {
+    HoldFrame(f, STRIP_FRAMES);
+    const std::string when = std::to_string(f) + "/" + std::to_string(STRIP_FRAMES) + " of the loop" +
+                             (yaw == 180.0f ? ", from behind" : "");
+    DrawLabel(sheet, f * VIEW_W, y, f == 0 ? std::vector<std::string>{title, when} : std::vector<std::string>{"", when},
+              VIEW_W);
+    player.EyesOri[0] = player.EyesOri[1] = player.EyesOriTarget[0] = player.EyesOriTarget[1] = 0;
+    player.EyebrowsY = 0;
+    DrawView(player, kinds, yaw);
+    ReadInto(sheet, f * VIEW_W, y + LABEL_H, VIEW_W, VIEW_H, SUPER);
+    FrameCell(sheet, f * VIEW_W, y, VIEW_W);
+  }
+  HoldFrame(0, STRIP_FRAMES);
+}
+
+// The motion: a strip for every body, then one for every part that moves,
+// worn on the first body.
+bool AnimationSheet(const std::string &dir) {
+  std::vector<std::pair<int, int32_t>> parts;
+  for (int k = 0; k < 8; k++) {
+    for (int32_t n = 0; n < static_cast<int32_t>(CatalogueSize(k)); n++)
+      if (Moves(PartModel(k, n))) parts.push_back({k, n});
+  }
+  const int bodies = static_cast<int>(Game.Characters.size());
+  Picture sheet(VIEW_W * STRIP_FRAMES, CELL_H * (bodies + static_cast<int>(parts.size())));
+  for (int b = 0; b < bodies; b++) {
+    PlayerClass p = Plain(b);
+    DrawStrip(sheet, b * CELL_H, p, 0, Game.Characters[b].Name, StripYaw(Game.Characters[b].Model));
+  }
+  for (size_t i = 0; i < parts.size(); i++) {
+    PlayerClass p = Plain(0);
+    *PartNumber(p, parts[i].first) = parts[i].second;
+    const int kind = parts[i].first;
+    DrawStrip(sheet, (bodies + static_cast<int>(i)) * CELL_H, p, 1u << kind,
+              PartName(kind, parts[i].second) + ", " + KIND_NAMES[kind], StripYaw(PartModel(kind, parts[i].second)));
+  }
+  return SavePNG(sheet, dir + "/animation.png");
+}
+
 }  // namespace
 
 int main(int argc, char **argv) {
@@ -359,6 +467,7 @@ int main(int argc, char **argv) {
 
   bool ok = BodiesSheet(dir);
   for (int kind = 0; kind < 8; kind++) ok = PartSheet(dir, kind) && ok;
+  ok = AnimationSheet(dir) && ok;
   UnloadGame(Game);
   RVK_Shutdown();
   allegro_exit();

@@ -113,8 +113,119 @@ Vec3 Mesh::Max() const {
 
 // ---------------------------------------------------------------- surfaces
 
+// Where a surface's grid lines of one direction put their steps: `At` maps an
+// even share t of the line to the surface's own parameter, so that each step
+// covers an equal share of the bending. A straight stretch takes long steps,
+// a tight bend short ones: the edges keep to the surface equally well
+// everywhere, with the fewest steps.
+class Spacing {
+public:
+  std::vector<double> Cumulative;  // bending up to each of FINE_STEPS + 1 points
+
+  double At(double t) const {
+    const double target = t * Cumulative.back();
+    size_t i = static_cast<size_t>(std::upper_bound(Cumulative.begin(), Cumulative.end(), target) - Cumulative.begin());
+    if (i == 0) return 0;
+    if (i >= Cumulative.size()) return 1;
+    const double w = Cumulative[i] - Cumulative[i - 1];
+    return (static_cast<double>(i - 1) + (w > 0 ? (target - Cumulative[i - 1]) / w : 0)) / (Cumulative.size() - 1);
+  }
+};
+
+// The angle by which the path a, b, c turns at b; 0 where a step has no length.
+static double Turn(const Vec3 &a, const Vec3 &b, const Vec3 &c) {
+  const Vec3 in = b - a, out = c - b;
+  const double li = Length(in), lo = Length(out);
+  if (li < 1e-12 || lo < 1e-12) return 0;
+  return std::acos(std::min(1.0, std::max(-1.0, Dot(in, out) / (li * lo))));
+}
+
+// The points of one grid line, `line` along the other direction.
+static Vec3 LinePoint(const SurfaceFn &f, bool alongU, double step, double line) {
+  return alongU ? f(step, line) : f(line, step);
+}
+
+// How many steps a stretch of a grid line needs: a bend of angle a over a
+// length s keeps to SURFACE_TOLERANCE with about sqrt(a s / 8 tolerance)
+// steps, and turns no more than MAX_STEP_TURN a step with a / MAX_STEP_TURN.
+// Over `lines` + 1 lines of the other direction the most demanding one
+// counts; a share spread evenly keeps a long straight stretch from one
+// single edge.
+static Spacing BendSpacing(const SurfaceFn &f, bool alongU, int lines) {
+  std::vector<double> need(FINE_STEPS, 0.0);
+  std::vector<Vec3> p(FINE_STEPS + 1);
+  for (int l = 0; l <= lines; l++) {
+    const double line = static_cast<double>(l) / lines;
+    for (int k = 0; k <= FINE_STEPS; k++) p[k] = LinePoint(f, alongU, static_cast<double>(k) / FINE_STEPS, line);
+    for (int k = 0; k < FINE_STEPS; k++) {
+      const double s = Length(p[k + 1] - p[k]);
+      double a = 0;
+      for (int end : {k, k + 1}) {
+        if (end > 0 && end < FINE_STEPS) a += 0.5 * Turn(p[end - 1], p[end], p[end + 1]);
+      }
+      need[k] = std::max(need[k], std::max(std::sqrt(a * s / (8 * SURFACE_TOLERANCE)), a / MAX_STEP_TURN));
+    }
+  }
+  double total = 0;
+  for (double n : need) total += n;
+  Spacing spacing;
+  spacing.Cumulative.push_back(0);
+  for (double n : need) spacing.Cumulative.push_back(spacing.Cumulative.back() + n + EVEN_SHARE * total / FINE_STEPS);
+  return spacing;
+}
+
+// Distance from p to the segment from a to b.
+static double SegmentDistance(const Vec3 &p, const Vec3 &a, const Vec3 &b) {
+  const Vec3 ab = b - a;
+  const double len2 = Dot(ab, ab);
+  const double t = len2 > 1e-24 ? std::min(1.0, std::max(0.0, Dot(p - a, ab) / len2)) : 0.0;
+  return Length(p - (a + ab * t));
+}
+
+// Whether the n-step edges of every grid line of one direction, over
+// `lines` + 1 lines of the other, keep to the surface: no surface point a
+// quarter, a half or three quarters through a step stands further than
+// SURFACE_TOLERANCE from its edge, and no edge turns from the next by more
+// than MAX_STEP_TURN unless one of the two is too short for its shading to
+// show.
+static bool StepsKeepTo(const SurfaceFn &f, const Spacing &spacing, int n, bool alongU, int lines) {
+  std::vector<Vec3> corner(static_cast<size_t>(n) + 1);
+  for (int l = 0; l <= lines; l++) {
+    const double line = static_cast<double>(l) / lines;
+    for (int i = 0; i <= n; i++) corner[i] = LinePoint(f, alongU, spacing.At(static_cast<double>(i) / n), line);
+    for (int i = 0; i < n; i++) {
+      const double from = spacing.At(static_cast<double>(i) / n), to = spacing.At(static_cast<double>(i + 1) / n);
+      for (double q : {0.25, 0.5, 0.75}) {
+        if (SegmentDistance(LinePoint(f, alongU, from + q * (to - from), line), corner[i], corner[i + 1]) >
+            SURFACE_TOLERANCE)
+          return false;
+      }
+      if (i + 1 < n && Length(corner[i + 1] - corner[i]) > SHADED_STEP &&
+          Length(corner[i + 2] - corner[i + 1]) > SHADED_STEP &&
+          Turn(corner[i], corner[i + 1], corner[i + 2]) > MAX_STEP_TURN)
+        return false;
+    }
+  }
+  return true;
+}
+
+// The fewest steps, at most `n`, that keep to the surface: a small or flat
+// shape needs fewer than a large round one, and a star's points or a
+// crown's teeth keep all they need. Even numbers only, as the shapes come
+// symmetric: a grid with as many steps on each side of the middle keeps a
+// left part the mirror of the right one, and a body's anchors level.
+static int StepsFor(const SurfaceFn &f, const Spacing &spacing, int n, bool alongU, int lines) {
+  for (int k = MIN_STEPS; k < n; k += 2)
+    if (StepsKeepTo(f, spacing, k, alongU, lines)) return k;
+  return n;
+}
+
 Mesh Surface(int nu, int nv, const SurfaceFn &f, bool closed, bool flip) {
   Mesh m;
+  const int lines = std::max(nu, nv);
+  const Spacing su = BendSpacing(f, true, lines), sv = BendSpacing(f, false, lines);
+  nu = StepsFor(f, su, nu, true, lines);
+  nv = StepsFor(f, sv, nv, false, lines);
   // Derivatives by central differences; at a pole the u derivative vanishes,
   // so the normal is taken a little way off it.
   const double h = 1e-4;
@@ -126,7 +237,7 @@ Mesh Surface(int nu, int nv, const SurfaceFn &f, bool closed, bool flip) {
   };
   for (int j = 0; j <= nv; j++) {
     for (int i = 0; i <= nu; i++) {
-      double u = static_cast<double>(i) / nu, v = static_cast<double>(j) / nv;
+      double u = su.At(static_cast<double>(i) / nu), v = sv.At(static_cast<double>(j) / nv);
       MeshVertex mv;
       mv.P = f(u, v);
       mv.N = normalAt(u, v);
@@ -281,6 +392,17 @@ Vec3 ModelSpec::Centre() {
   return shift;
 }
 
+// The one joint that every vertex of a mesh is bound to, -1 for none, or
+// MIXED_JOINTS.
+static const int MIXED_JOINTS = -2;
+static int MeshJoint(const Mesh &m) {
+  int joint = m.Vertices.empty() ? -1 : m.Vertices[0].Bone;
+  for (const MeshVertex &v : m.Vertices) {
+    if (v.Bone != joint) return MIXED_JOINTS;
+  }
+  return joint;
+}
+
 static void CopyName(char *dst, size_t width, const std::string &s) {
   std::memset(dst, 0, width);
   std::memcpy(dst, s.data(), std::min(s.size(), width - 1));
@@ -311,11 +433,33 @@ bool ModelSpec::Save(const std::string &path) const {
     CopyName(m.Texture, sizeof m.Texture, s.Texture);
     w.Materials.push_back(m);
   }
-  int groupIndex = 0;
+  // Meshes of one opaque material that one joint carries, or none, share a
+  // group: the game draws a group at a time, with its material set up before
+  // it, opaque meshes look the same whatever their order, and a group that
+  // moves whole with a joint is compiled once for all frames. A see-through
+  // mesh keeps its own group and its place, and nothing moves past it.
+  std::vector<size_t> open;  // groups since the last see-through one
+  std::vector<int> groupJoint;
   for (const Mesh &g : Groups) {
-    msGroup grp;
-    CopyName(grp.Name, sizeof grp.Name, "group" + std::to_string(groupIndex));
-    grp.MaterialIndex = static_cast<int8_t>(g.Material);
+    const int joint = MeshJoint(g);
+    const bool opaque = g.Material < 0 || Materials[static_cast<size_t>(g.Material)].Transparency >= 1;
+    size_t groupIndex = w.Groups.size();
+    for (size_t o : open) {
+      if (opaque && w.Groups[o].MaterialIndex == g.Material && groupJoint[o] == joint && joint != MIXED_JOINTS)
+        groupIndex = o;
+    }
+    if (groupIndex == w.Groups.size()) {
+      msGroup grp;
+      CopyName(grp.Name, sizeof grp.Name, "group" + std::to_string(groupIndex));
+      grp.MaterialIndex = static_cast<int8_t>(g.Material);
+      w.Groups.push_back(grp);
+      groupJoint.push_back(joint);
+      if (opaque)
+        open.push_back(groupIndex);
+      else
+        open.clear();
+    }
+    msGroup &grp = w.Groups[groupIndex];
     uint16_t base = static_cast<uint16_t>(w.Vertices.size());
     for (const MeshVertex &v : g.Vertices) {
       msVertex mv;
@@ -344,8 +488,6 @@ bool ModelSpec::Save(const std::string &path) const {
       grp.TriangleIndices.push_back(static_cast<uint16_t>(w.Triangles.size()));
       w.Triangles.push_back(t);
     }
-    w.Groups.push_back(grp);
-    groupIndex++;
   }
   for (const JointSpec &j : Joints) {
     msJoint mj;

@@ -49,8 +49,28 @@ public:
   Vec3 Max() const;
 };
 
+// How far, in model units, the flat triangles of a surface may stand off the
+// true surface. A body a hundred units tall fills about 260 of the game's 600
+// rows, so this is about half a pixel: the outlines stay as round as the
+// screen can show, and the triangles that couldn't show are not drawn.
+const double SURFACE_TOLERANCE = 0.2;
+// The shading of a surface is worked out at its corners and blended across
+// its triangles, so a step that turns too far shows as a band; a step
+// shorter than SHADED_STEP model units (a few pixels) is too small for it.
+const double MAX_STEP_TURN = 20 * PI / 180;
+const double SHADED_STEP = 2.0;
+// Fewest steps a grid line is given, whatever its size.
+const int MIN_STEPS = 6;
+// How finely a surface is walked to find where it bends, and the share of
+// the steps spread evenly whatever the bending.
+const int FINE_STEPS = 256;
+const double EVEN_SHARE = 0.15;
+
 // A surface p(u, v) over the unit square, u running around, v along. The
-// grid has nu x nv cells; normals come from the surface's own derivatives.
+// grid has at most nu x nv cells, as few as keep within SURFACE_TOLERANCE,
+// with short steps where the surface bends and long ones where it runs
+// straight; s and t are still u and v. Normals come from the surface's own
+// derivatives.
 // Closed surfaces are oriented outwards by their signed volume; open ones
 // face the side given by `flip` (false: the side of dp/dv x dp/du).
 using SurfaceFn = std::function<Vec3(double u, double v)>;
