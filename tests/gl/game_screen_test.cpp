@@ -334,6 +334,18 @@ TEST_F(Screen, DrawPlayerPutsEveryPartOnItsAnchorAndScalesAll) {
     PlayerClass p{0, &body, "", 0, 0, 0, 0, 0, 0, 0, 0, 0, {x, y}, {x, y}, 10 * turn};
     EXPECT_EQ(Str(Draw(p, xs, {138}), p.EyebrowsY), Str(turn ? "..####..#### 1" : "############ 1", turn ? 10 * turn - 0.25f : 0)) << turn;
   }
+  // The body's list follows the model's own rule for its frame: frame 0.5
+  // is list 1, which a model without joints doesn't have.
+  Game.Mode = GAME_MODE_SINGLE;
+  Game.Characters[0].Model.CurrentFrame = 0.5f;
+  RVK_SetClearColour(makecol(161, 214, 255));
+  RVK_SetClearColour(makecol(161, 214, 255));
+  CameraClass camera;
+  camera.Eye[2] = -500;
+  ApplyCamera(camera);
+  PlayerClass bare{0, &Game.Characters[0], "", 0, -1, -1, -1, -1, -1, -1, -1, -1};
+  DrawPlayer(bare, 0, 0, 0);
+  EXPECT_EQ(TkReadPixel(400, 300), (TkPixel{161, 214, 255}));
   Game.Mode = GAME_MODE_NONE;
 }
 
