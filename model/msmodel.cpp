@@ -142,9 +142,7 @@ bool ReadFile(FILE *file, std::vector<uint8_t> &bytes) {
 // Texture paths
 
 std::string msTexturePath(const char *modelPath, const char *texture) {
-  size_t length = std::strlen(modelPath);
-  if (length >= static_cast<size_t>(MS_MAX_PATH)) return std::string();
-  std::string dir(modelPath, length);
+  std::string dir(modelPath);
   size_t cut = dir.find_last_of("\\/");
   if (cut != std::string::npos) dir.erase(cut);
   while (!dir.empty() && (dir.back() == '\\' || dir.back() == '/')) dir.pop_back();
