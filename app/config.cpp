@@ -14,10 +14,9 @@ bool SoundOn = false;
 int GuiSampleVolume(int soundVolume) { return soundVolume & 0xFF; }
 
 std::string ScanConfigOption(int argc, const char *const argv[], const char *defaultName) {
-  std::string name = defaultName ? defaultName : "";
+  std::string name = defaultName;
   for (int i = 1; i < argc; i++) {
-    const char *arg = argv[i];
-    if (arg[0] != '-' || strcasecmp(arg, "-config") != 0) continue;
+    if (strcasecmp(argv[i], "-config") != 0) continue;
     // "-config" as the very last argument names no file: it is ignored like
     // any other stray argument, and the file chosen so far stays.
     if (i + 1 >= argc) break;

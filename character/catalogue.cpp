@@ -73,17 +73,8 @@ void AddPointKeys(std::vector<CatalogueKey> &keys, const char *prefix) {
 
 bool LoadModel(ModelClass &model, const CatalogueInfo &info, const char *key, const char *section,
                std::string &error) {
-  std::string path = CataloguePath(info, section, key);
-  // An empty key names the directory itself. A directory opens like a file
-  // on some systems and then reports an absurd size, so it is refused here
-  // with the text the model loader gives for any file it can't read.
-  int attributes = 0;
-  if (file_exists(path.c_str(), FA_ALL, &attributes) && (attributes & FA_DIREC)) {
-    model.Error = "Unable to load model from " + path;
-    error = model.Error;
-    return false;
-  }
-  if (model.Load(path.c_str())) return true;
+  // An empty key names the directory itself, which the loader refuses.
+  if (model.Load(CataloguePath(info, section, key).c_str())) return true;
   error = model.Error;
   // A failed Load keeps its msModel for a next Load that never comes: the
   // entry is dropped, so the msModel goes with it.
@@ -134,7 +125,7 @@ void UnloadEntry(SinglePartEntry &e) { e.Model.Unload(); FreeThumbnail(e.Thumbna
 void UnloadEntry(HatEntry &e) { e.Model.Unload(); FreeThumbnail(e.Thumbnail); }
 
 template <class Entry> void UnloadCatalogue(std::vector<Entry> &entries) {
-  for (size_t i = 0; i < entries.size(); i++) UnloadEntry(entries[i]);
+  for (Entry &e : entries) UnloadEntry(e);
   entries.clear();
 }
 

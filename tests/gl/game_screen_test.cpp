@@ -161,6 +161,8 @@ TEST_F(Screen, CataloguesTakeTheirKeysAndStopAtTheirFirstBrokenEntry) {
   // eyes1 has no left model, so eyes2 is never read; the count takes one nose.
   Catalogue(1, 3, Entry(1, 0) + "[eyes1]\nRightModel = a.ms3d\n" + Entry(1, 2));
   Catalogue(3, 1, Entry(3, 0) + Entry(3, 1));
+  Catalogue(6, 2, Entry(6, 0) + Entry(6, 1));
+  Catalogue(7, 3, Entry(7, 0) + Entry(7, 1) + Entry(7, 2));
   Catalogue(8, 1, Entry(8, 0, "backfaces = 2\nOffsetX = 1.5\nOffsetZ = -2\nname = Cap\n"));
   SoundOn = true;
   ASSERT_TRUE(LoadGame(Game));
@@ -171,7 +173,7 @@ TEST_F(Screen, CataloguesTakeTheirKeysAndStopAtTheirFirstBrokenEntry) {
   for (int i = 0; i < 9; i++) rows += to_string(Game.Bar(i).Rows.size());
   EXPECT_EQ(Str(b.CameraPos[0], b.CameraPos[1], b.CameraPos[2], b.Hat[2], b.Scale, plain.Name, plain.CameraPos[2], plain.Scale,
                 Game.Eyes[0].Name, h.Name, h.BackFaces, h.Offset[0], h.Offset[1], h.Offset[2], rows, Game.LoadError),
-            "1 2 -500 3 2.5 (no name) -500 1  Cap 1 1.5 0 -2 222222222 Unable to load model from data/eyes/ ");
+            "1 2 -500 3 2.5 (no name) -500 1  Cap 1 1.5 0 -2 222222342 Unable to load model from data/eyes/ ");
   // The bars stand below the toolbar to the foot of the screen.
   EXPECT_EQ(Str(Said("Loaded 1 noses"), bodies.BackgroundColour == makecol(151, 151, 151), hats.BackgroundColour == makecol(51, 127, 178),
                 hats.ThumbHeight, bodies.ThumbHeight, hats.Y - text_height(RVK_FontStandard), hats.Y + hats.Height),
