@@ -16,7 +16,7 @@
 static void UpdateJoined(const PacketFieldList &fields) {
   GameClass &game = Game;
   int count = std::atoi(NP_FieldText(fields, 0));
-  if (count < 1 || count > MAX_PLAYERS || count <= game.LocalPlayerNumber) return;
+  if (count > MAX_PLAYERS || count <= game.LocalPlayerNumber) return;
   game.SetPlayerCount(count, true);
   PlayerClass &last = game.Players.back();
   ResetPlayer(last);

@@ -45,8 +45,7 @@ bool NP_SendPacket(int32_t destination, uint8_t packetType, const char *format, 
   if (destination == NP_TO_ALL) {
     if (server) {
       for (int number = 1; number < game.GetPlayerCount(); number++) {
-        ENetPeer *peer = ClientPeers[number];
-        if (peer && game.Players[number].PlayerId != skipId) enet_peer_send(peer, channel, packet);
+        if (game.Players[number].PlayerId != skipId) enet_peer_send(ClientPeers[number], channel, packet);
       }
     } else {
       RVK_Message("Client attempted to send a packet to all other clients");

@@ -173,36 +173,33 @@ void NET_ServerDispatch(int number, int32_t id, int32_t type, const PacketFieldL
   }
 }
 
+// The roster number of the peer's player, or -1 when its event is dropped:
+// a peer without a tag was refused. A tag names a record, as it is freed with
+// it; one that didn't would be told as the unknown ID that it is.
+static int NumberOfPeer(ENetPeer *peer, bool receive) {
+  if (!peer->data) {
+    RVK_Message(receive ? "Ignored packet from %s, which is not in the game"
+                        : "Connection closed from %s, which was not in the game",
+                PeerAddressText(peer).c_str());
+    return -1;
+  }
+  int32_t id = std::atoi((const char *)peer->data);
+  int number = Game.GetPlayerNumber(id);
+  if (number == -1) RVK_Message("Server received invalid player id %d for \"receive\" packet", id);
+  return number;
+}
+
 static void ServerReceive(ENetPeer *peer, ENetPacket *packet) {
   PacketFieldList fields;
   int32_t type = NP_ParsePacket(fields, packet->data, packet->dataLength);
   enet_packet_destroy(packet);
-  if (!peer->data) {
-    RVK_Message("Ignored packet from %s, which is not in the game", PeerAddressText(peer).c_str());
-    return;
-  }
-  int32_t id = std::atoi((const char *)peer->data);
-  int number = Game.GetPlayerNumber(id);
-  if (number == -1) {
-    RVK_Message("Server received invalid player id %d for \"receive\" packet", id);
-    return;
-  }
-  NET_ServerDispatch(number, id, type, fields);
+  int number = NumberOfPeer(peer, true);
+  if (number != -1) NET_ServerDispatch(number, Game.Players[number].PlayerId, type, fields);
 }
 
 static void ServerDisconnect(ENetPeer *peer) {
-  if (!peer->data) {
-    RVK_Message("Connection closed from %s, which was not in the game", PeerAddressText(peer).c_str());
-    return;
-  }
-  int32_t id = std::atoi((const char *)peer->data);
-  int number = Game.GetPlayerNumber(id);
-  if (number == -1) {
-    RVK_Message("Server received invalid player id %d for \"receive\" packet", id);
-    std::free(peer->data);
-    peer->data = nullptr;
-    return;
-  }
+  int number = NumberOfPeer(peer, false);
+  if (number == -1) return;
   RVK_Message("Connection lost to player %d %s", number, Game.Players[number].PlayerName.c_str());
   NET_RemovePlayer(number);
 }
@@ -222,19 +219,16 @@ static double NowMs() {
   return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-// The budget is spent on handling events and on waiting for them: events
-// left over when it runs out stay in ENet's queues, in their order, for the
-// next frame's poll. At least one waiting event is handled per poll.
+// Only the first call waits for an event, up to the whole budget; the budget
+// is then spent on handling events, and those left over when it runs out
+// stay in ENet's queues, in their order, for the next frame's poll.
 void NET_ServerPollWithin(double budgetMs) {
   if (!NetHost) return;
   const double start = NowMs();
   ENetEvent event;
-  enet_uint32 wait = (enet_uint32)budgetMs;
-  while (enet_host_service(NetHost, &event, wait) > 0) {
+  for (auto wait = (enet_uint32)budgetMs; enet_host_service(NetHost, &event, wait) > 0; wait = 0) {
     NET_ServerHandleEvent(event);
-    double spent = NowMs() - start;
-    if (spent >= budgetMs) break;
-    wait = (enet_uint32)(budgetMs - spent);
+    if (NowMs() - start >= budgetMs) break;
   }
 }
 

@@ -1,6 +1,7 @@
 // ButtonClass: the push button with a picture, an optional caption and an
 // optional hot key, drawn and polled in one Run per frame.
 #include "rvk/button.h"
+#include <algorithm>
 #include <GL/gl.h>
 #include "rvk/core.h"
 #include "rvk/draw.h"
@@ -16,7 +17,6 @@ void RVK_WaitMouseUp() {
 }
 
 void RVK_WaitKeyUp(int scancode) {
-  if (scancode < 0 || scancode >= KEY_MAX) return;
   while (key[scancode] && !RVK_CloseRequested()) rest(0);
 }
 
@@ -38,24 +38,19 @@ bool RVK_CreateButtonEx(ButtonClass &button, const char *caption, TextureClass i
   button.KeyWaitClear = true;
   button.KeyWaitUp = true;
   button.KeyDown = false;
-  if (separator && icon.TextureName == RVK_GetDefaultIcon().TextureName) {
-    RVK_LogError("RVK_CreateButtonEx: Seperator buttons must have an icon");
-    // The failed separator still stands in a row as a separator, so it draws
-    // nothing that can be pressed.
-    button.Style = 1;
-    button.Caption.clear();
-    button.KeyName.clear();
-    return false;
-  }
   if (separator) {
     button.Style = 1;
     button.Caption.clear();
     button.KeyName.clear();
-  } else {
-    button.Style = 0;
-    button.Caption = caption != nullptr ? caption : "";
-    button.KeyName = hotKey != -1 ? RVK_GetKeyName(hotKey) : "";
+    // Without its picture a separator still stands in a row as one, with
+    // nothing on it that can be pressed.
+    if (icon.TextureName != RVK_GetDefaultIcon().TextureName) return true;
+    RVK_LogError("RVK_CreateButtonEx: Seperator buttons must have an icon");
+    return false;
   }
+  button.Style = 0;
+  button.Caption = caption != nullptr ? caption : "";
+  button.KeyName = hotKey != -1 ? RVK_GetKeyName(hotKey) : "";
   return true;
 }
 
@@ -68,7 +63,7 @@ bool RVK_CreateButton(ButtonClass &button, const char *caption, const char *icon
 ButtonSizeClass RVK_ButtonSize(int width, int height, int textWidth, int textHeight) {
   ButtonSizeClass s;
   s.Width = width != -1 ? width : textWidth + 40;
-  s.Height = height != -1 ? height : (textHeight + 2 > 34 ? textHeight + 2 : 34);
+  s.Height = height != -1 ? height : std::max(textHeight + 2, 34);
   // Picture and caption stand centred as one group, 34 apart.
   s.IconX = (s.Width - textWidth - 34) / 2;
   s.CaptionX = s.IconX + 34;
@@ -78,9 +73,7 @@ ButtonSizeClass RVK_ButtonSize(int width, int height, int textWidth, int textHei
 }
 
 void ButtonClass::SetSize(int width, int height) {
-  int tw = RVK_FontStandard != nullptr ? text_length(RVK_FontStandard, Caption.c_str()) : 0;
-  int th = RVK_FontStandard != nullptr ? text_height(RVK_FontStandard) : 0;
-  ButtonSizeClass s = RVK_ButtonSize(width, height, tw, th);
+  ButtonSizeClass s = RVK_ButtonSize(width, height, RVK_TextLength(Caption.c_str()), RVK_TextHeight());
   Width = s.Width;
   Height = s.Height;
   IconX = s.IconX;
@@ -149,7 +142,7 @@ bool ButtonClass::Run() {
 
   // A code outside key[] is a key that is never down.
   if (HotKey != -1) {
-    bool down = HotKey >= 0 && HotKey < KEY_MAX && key[HotKey];
+    bool down = (unsigned)HotKey < KEY_MAX && key[HotKey];
     if (HotKeyStep(down)) {
       clear_keybuf();
       Pressed = true;

@@ -7,15 +7,17 @@
 #include "rvk/draw.h"
 #include "rvk/timer.h"
 
+// The settings take their values in RVK_Init; the console shows nothing
+// before it.
 std::vector<ConsoleLineClass> ConsoleLines;
-int32_t ConsoleTop = 0;
-int32_t ConsoleLeft = 3;
-int32_t ConsoleMaxLines = 10;
-int32_t ConsoleLineLife = 12;
-int32_t ConsoleColour = 0;
-bool ConsoleVisible = true;
-FILE *ConsoleLogFile = nullptr;
-bool ConsoleLogOn = false;
+int32_t ConsoleTop;
+int32_t ConsoleLeft;
+int32_t ConsoleMaxLines;
+int32_t ConsoleLineLife;
+int32_t ConsoleColour;
+bool ConsoleVisible;
+FILE *ConsoleLogFile;
+bool ConsoleLogOn;
 
 static int CurrentSecond() {
   TimeStampClass now;
@@ -28,9 +30,8 @@ void RVK_InitConsole() {
   // by the application before start-up would otherwise be lost.
   ConsoleMaxLines = 10;
   ConsoleLeft = 3;
-  int h = RVK_FontStandard != nullptr ? text_height(RVK_FontStandard) : 0;
-  ConsoleTop = SCREEN_H - ConsoleMaxLines * h - 60;
-  ConsoleColour = makecol(255, 255, 255);
+  ConsoleTop = SCREEN_H - ConsoleMaxLines * RVK_TextHeight() - 60;
+  ConsoleColour = RVK_Palette.White;
   ConsoleLineLife = 12;
   ConsoleVisible = true;
 }
@@ -66,10 +67,7 @@ void RVK_ConsolePass(int second, const std::function<void(const ConsoleLineClass
 void RVK_Message(const char *format, ...) {
   if (format == nullptr) return;
   char text[1024];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(text, sizeof(text), format, args);
-  va_end(args);
+  RVK_FORMAT(text, format);
   if (ConsoleLogOn && ConsoleLogFile != nullptr) {
     TimeStampClass now;
     RVK_GetTimeStamp(now);
@@ -85,14 +83,14 @@ void RVK_SetLastMessageColour(int colour) {
 }
 
 void RVK_DrawConsole() {
-  int h = RVK_FontStandard != nullptr ? text_height(RVK_FontStandard) : 0;
+  int h = RVK_TextHeight();
   RVK_ConsolePass(CurrentSecond(), [h](const ConsoleLineClass &line, int row) {
     if (ConsoleVisible) RVK_Printf(ConsoleLeft, ConsoleTop + row * h, line.Colour, "%s", line.Text.c_str());
   });
   if (ConsoleLines.empty() || !ConsoleVisible) return;
   int top = ConsoleTop;
   int bottom = ConsoleTop + (int)ConsoleLines.size() * h;
-  RVK_DrawLine(1, top, 1, bottom, ConsoleColour, 255);
-  RVK_DrawLine(1, top, 3, top, ConsoleColour, 255);
-  RVK_DrawLine(1, bottom, 3, bottom, ConsoleColour, 255);
+  RVK_DrawLine(1, top, 1, bottom, ConsoleColour, RVK_Opaque);
+  RVK_DrawLine(1, top, 3, top, ConsoleColour, RVK_Opaque);
+  RVK_DrawLine(1, bottom, 3, bottom, ConsoleColour, RVK_Opaque);
 }

@@ -2,6 +2,7 @@
 // arrow, tooltips, the palette, fonts, sound volume, the error log and the
 // library's own datafile.
 #include "rvk/core.h"
+#include <algorithm>
 #include <alleggl.h>
 #include <GL/gl.h>
 #include <GL/glu.h>
@@ -27,22 +28,16 @@ static const char *const DatafileName = "RVK.dat";
 
 static bool Started = false;
 static bool ErrorLogged = false;
-static bool In2D = false;
-static bool ClipOn = false;
-static int PointerVert = 0;
-static int PointerHoriz = 0;
-static int PointerMove = 0;
+// The frame state and the pointer icons, set by RVK_Init.
+static bool In2D, ClipOn;
+static int PointerVert, PointerHoriz, PointerMove;
 static TimerClass FrameTimer;
 static volatile std::sig_atomic_t CloseRequest = 0;
 static std::vector<TooltipRecord> Tooltips;
-static unsigned char SampleVolume = 128;
-// The library has no call that turns its own sound on: the game plays its
-// cues itself, so RVK_PlaySample stays silent.
-static bool SoundOn = false;
 
 // The frame trace: a file named by TUMBLEKIN_FRAME_TRACE, one line per frame.
 static FILE *FrameTrace = nullptr;
-static int64_t FrameReleased = 0;
+static int64_t FrameReleased;
 
 // ---- Palette ----
 
@@ -100,18 +95,22 @@ void *RVK_GetDatafileObject(const char *name) {
 
 // ---- Start and end ----
 
+// Allegro's text mode, which takes the GL window down.
+static void LeaveGraphicsMode() {
+  set_gfx_mode(GFX_TEXT, 80, 25, 0, 0);
+}
+
 static void LoadIcons() {
   BITMAP *blank = create_bitmap(32, 32);
   if (blank != nullptr) {
-    clear_to_color(blank, makecol(255, 255, 255));
+    clear_to_color(blank, RVK_Palette.White);
     RVK_AddIcon(blank, "(no texture)");
     destroy_bitmap(blank);
   }
   DATAFILE *data = RVK_LoadDatafile(DatafileName);
   if (data != nullptr) {
-    for (int i = 0; data[i].type != DAT_END; i++) {
-      if (data[i].type == DAT_BITMAP)
-        RVK_AddIcon((BITMAP *)data[i].dat, get_datafile_property(&data[i], DAT_NAME));
+    for (DATAFILE *object = data; object->type != DAT_END; object++) {
+      if (object->type == DAT_BITMAP) RVK_AddIcon((BITMAP *)object->dat, get_datafile_property(object, DAT_NAME));
     }
     unload_datafile(data);
   }
@@ -121,9 +120,8 @@ static void LoadIcons() {
 }
 
 static void OpenFrameTrace() {
-  if (FrameTrace != nullptr) return;
   const char *name = std::getenv("TUMBLEKIN_FRAME_TRACE");
-  if (name != nullptr && name[0] != 0) FrameTrace = std::fopen(name, "a");
+  if (name != nullptr) FrameTrace = std::fopen(name, "a");
   FrameReleased = RVK_ClockMicroseconds();
 }
 
@@ -132,10 +130,10 @@ bool RVK_Init(int width, int height, int depth, bool windowed, int framesPerSeco
 
   allegro_gl_clear_settings();
   allegro_gl_set(AGL_COLOR_DEPTH, depth);
-  allegro_gl_set(AGL_DOUBLEBUFFER, 1);
-  allegro_gl_set(AGL_Z_DEPTH, 24);
-  allegro_gl_set(AGL_WINDOWED, windowed ? -1 : 0);
-  allegro_gl_set(AGL_RENDERMETHOD, 1);
+  allegro_gl_set(AGL_DOUBLEBUFFER, TRUE);
+  allegro_gl_set(AGL_Z_DEPTH, RVK_DepthBits);
+  allegro_gl_set(AGL_WINDOWED, windowed ? TRUE : FALSE);
+  allegro_gl_set(AGL_RENDERMETHOD, TRUE);
   allegro_gl_set(AGL_SUGGEST, AGL_COLOR_DEPTH | AGL_DOUBLEBUFFER | AGL_Z_DEPTH | AGL_RENDERMETHOD |
                                   (windowed ? AGL_WINDOWED : AGL_FULLSCREEN));
   // Allegro's own colour depth decides what makecol answers and what depth
@@ -148,16 +146,15 @@ bool RVK_Init(int width, int height, int depth, bool windowed, int framesPerSeco
   In2D = false;
   ClipOn = false;
 
+  // Filled polygons with counter-clockwise front faces are GL's own defaults.
   glShadeModel(GL_FLAT);
-  glPolygonMode(GL_FRONT, GL_FILL);
   glEnable(GL_CULL_FACE);
-  glFrontFace(GL_CCW);
 
   // Something other than a font under that name is as good as none.
   FONT *font = (FONT *)ReadDatafileObject("_font_standard", DAT_FONT);
   if (font == nullptr) {
     allegro_message("Unable to read standard font from datafile");
-    set_gfx_mode(GFX_TEXT, 80, 25, 0, 0);
+    LeaveGraphicsMode();
     return false;
   }
   RVK_FontStandard = allegro_gl_convert_allegro_font_ex(font, AGL_FONT_TYPE_TEXTURED, -1.0f, GL_ALPHA8);
@@ -170,12 +167,11 @@ bool RVK_Init(int width, int height, int depth, bool windowed, int framesPerSeco
   RVK_ResetFocus();
   LoadIcons();
 
+  // The mode's new GL context starts with both matrices at identity.
   glViewport(0, 0, width, height);
   glMatrixMode(GL_PROJECTION);
-  glLoadIdentity();
   gluPerspective(48.0, (double)SCREEN_W / (double)SCREEN_H, 1.0, 8192.0);
   glMatrixMode(GL_MODELVIEW);
-  glLoadIdentity();
 
   Started = true;
   ErrorLogged = false;
@@ -193,10 +189,10 @@ void RVK_Shutdown() {
     allegro_message("RVK generated 1 or more error messages, view \"%s\" for details", ErrorLogName);
   FONT **fonts[3] = {&RVK_FontStandard, &RVK_FontMedium, &RVK_FontSmall};
   for (FONT **slot : fonts) {
-    if (*slot != nullptr) allegro_gl_destroy_font(*slot);
+    allegro_gl_destroy_font(*slot);
     *slot = nullptr;
   }
-  set_gfx_mode(GFX_TEXT, 80, 25, 0, 0);
+  LeaveGraphicsMode();
   if (FrameTrace != nullptr) {
     std::fclose(FrameTrace);
     FrameTrace = nullptr;
@@ -238,18 +234,13 @@ void RVK_SetClearColour(int colour) {
 }
 
 void RVK_PlaceTooltip(int &x, int &y, int textWidth, int textHeight, int sw, int sh) {
-  int tw = textWidth + 4;
-  int th = textHeight + 4;
-  if (x + tw >= sw) x = sw - tw;
-  if (y + th >= sh) y = sh - th;
-  if (x < 0) x = 0;
-  if (y < 0) y = 0;
+  x = std::max(std::min(x, sw - textWidth - 4), 0);
+  y = std::max(std::min(y, sh - textHeight - 4), 0);
 }
 
 static void DrawTooltip(const TooltipRecord &tip) {
-  if (RVK_FontStandard == nullptr) return;
-  int tw = text_length(RVK_FontStandard, tip.Text.c_str()) + 4;
-  int th = text_height(RVK_FontStandard) + 4;
+  int tw = RVK_TextLength(tip.Text.c_str()) + 4;
+  int th = RVK_TextHeight() + 4;
   int x = tip.X, y = tip.Y;
   RVK_PlaceTooltip(x, y, tw - 4, th - 4, SCREEN_W, SCREEN_H);
   RVK_DrawRect(x + 8, y + 8, x + tw + 8, y + th + 8, RVK_Palette.Black, true, 128);
@@ -259,9 +250,7 @@ static void DrawTooltip(const TooltipRecord &tip) {
 
 // One arrow of the pointer: a head and a stem, blended.
 static void DrawArrow(int x, int y, int colour, int alpha) {
-  glEnable(GL_BLEND);
-  glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-  glColor4ub(getr(colour), getg(colour), getb(colour), alpha);
+  RVK_BeginBlend(colour, alpha);
   glBegin(GL_POLYGON);
   glVertex2i(x, y + 10);
   glVertex2i(x + 8, y + 10);
@@ -273,8 +262,7 @@ static void DrawArrow(int x, int y, int colour, int alpha) {
   glVertex2i(x + 5, y + 10);
   glVertex2i(x + 2, y + 10);
   glEnd();
-  glDisable(GL_BLEND);
-  glColor3f(1, 1, 1);
+  RVK_EndBlend();
 }
 
 static void DrawPointer(int style) {
@@ -283,7 +271,7 @@ static void DrawPointer(int style) {
     bool held = (mouse_b & 3) != 0;
     int offset = held ? 3 : 6;
     DrawArrow(mx + offset, my + offset, RVK_Palette.Black, 128);
-    DrawArrow(mx, my, held ? RVK_Palette.Yellow : RVK_Palette.White, 255);
+    DrawArrow(mx, my, held ? RVK_Palette.Yellow : RVK_Palette.White, RVK_Opaque);
     return;
   }
   int index;
@@ -294,7 +282,7 @@ static void DrawPointer(int style) {
     default: return;
   }
   TextureClass icon = RVK_GetIconByIndex(index);
-  RVK_DrawTexture(icon, mx - icon.CentreX, my - icon.CentreY, 0, true, 255);
+  RVK_DrawTexture(icon, mx - icon.CentreX, my - icon.CentreY, 0, true, RVK_Opaque);
 }
 
 void RVK_End2D(int pointerStyle) {
@@ -364,10 +352,7 @@ bool RVK_MouseIn(int x1, int y1, int x2, int y2) {
 
 void RVK_ShowTooltip(int x, int y, const char *format, ...) {
   char text[512];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(text, sizeof(text), format, args);
-  va_end(args);
+  RVK_FORMAT(text, format);
   TooltipRecord tip;
   tip.Text = text;
   tip.X = x;
@@ -377,13 +362,11 @@ void RVK_ShowTooltip(int x, int y, const char *format, ...) {
 
 // ---- Sound ----
 
-void RVK_SetSampleVolume(int volume) {
-  SampleVolume = (unsigned char)(volume & 0xFF);
-}
+// The library has no call that turns its own sound on: the game plays its
+// cues itself. So its samples stay silent and no volume is kept for them.
+void RVK_SetSampleVolume(int) {}
 
-void RVK_PlaySample(SAMPLE *sample) {
-  if (SoundOn && sample != nullptr) play_sample(sample, SampleVolume, 127, 1000, 0);
-}
+void RVK_PlaySample(SAMPLE *) {}
 
 // ---- Close request ----
 
@@ -399,10 +382,7 @@ bool RVK_CloseRequested() {
 
 void RVK_LogError(const char *format, ...) {
   char text[256];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(text, sizeof(text), format, args);
-  va_end(args);
+  RVK_FORMAT(text, format);
   FILE *log = std::fopen(ErrorLogName, "a");
   if (log == nullptr) {
     allegro_message(

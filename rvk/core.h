@@ -2,8 +2,26 @@
 // tooltips, palette, fonts, sound volume, error log and datafile access.
 #pragma once
 #include <allegro.h>
+#include <cstdarg>
+#include <cstdio>
 #include <string>
 #include <vector>
+
+// Formats the arguments that follow `format` in a printf-like function into
+// the character array `buffer`, cut to its size.
+#define RVK_FORMAT(buffer, format)                             \
+  do {                                                         \
+    va_list formatArgs;                                        \
+    va_start(formatArgs, format);                              \
+    std::vsnprintf(buffer, sizeof(buffer), format, formatArgs); \
+    va_end(formatArgs);                                        \
+  } while (0)
+
+// The alpha of what covers what lies beneath.
+const int RVK_Opaque = 255;
+
+// Bits of the depth buffer the display is asked for.
+const int RVK_DepthBits = 24;
 
 // The three text sizes. All widgets measure with RVK_FontStandard.
 extern FONT *RVK_FontStandard;

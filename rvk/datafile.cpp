@@ -3,6 +3,7 @@
 #include "rvk/datafile.h"
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <vector>
 #include "rvk/core.h"
 
@@ -38,11 +39,11 @@ public:
 
   size_t Left() const { return (size_t)(End - At); }
 
-  // A big-endian number of `bytes` bytes; false, and nothing read, when
-  // fewer are left.
+  // A big-endian number of `bytes` bytes; false, and nothing read but a
+  // value of 0, when fewer are left.
   bool Read(uint32_t &value, size_t bytes) {
-    if (Left() < bytes) return false;
     value = 0;
+    if (Left() < bytes) return false;
     for (; bytes > 0; bytes--) value = value << 8 | *At++;
     return true;
   }
@@ -72,24 +73,24 @@ size_t StoredPixelBytes(int bits) {
 // pixels inside the object. Monochrome and 8-bit colour ranges are what
 // Allegro reads, and not both in one font.
 std::string FontProblem(Cursor c) {
-  uint32_t format = 1, ranges = 0;
+  uint32_t format, ranges;
   c.Read(format, 2);
   c.Read(ranges, 2);
   if (format != 0) return "is a font in an old format";
   if (ranges == 0) return "is a font without characters";
-  uint32_t firstFlag = 0;
+  std::optional<bool> monochrome;
   for (uint32_t r = 0; r < ranges; r++) {
-    uint32_t flag = 0, first = 0, last = 0;
+    uint32_t flag, first, last;
     if (!c.Read(flag, 1) || !c.Read(first, 4) || !c.Read(last, 4)) return "is a font cut short";
     bool mono = flag == 1 || flag == 255;
     if (!mono && flag != 0) return "is a font in a colour depth other than 8 bits";
-    if (r == 0) firstFlag = flag;
-    if (mono != (firstFlag != 0)) return "is a font that mixes monochrome and colour";
+    if (monochrome && *monochrome != mono) return "is a font that mixes monochrome and colour";
+    monochrome = mono;
     if (last < first) return "is a font with a range that ends before it starts";
     // Each glyph takes at least its size, so a range longer than the object
     // ends the loop at the object's end.
     for (uint64_t g = first; g <= last; g++) {
-      uint32_t w = 0, h = 0;
+      uint32_t w, h;
       if (!c.Read(w, 2) || !c.Read(h, 2)) return "is a font cut short";
       if (!c.Skip(mono ? (uint64_t)(w + 7) / 8 * h : (uint64_t)w * h)) return "is a font cut short";
     }
@@ -98,7 +99,7 @@ std::string FontProblem(Cursor c) {
 }
 
 std::string BitmapProblem(Cursor c) {
-  uint32_t bits = 0, w = 0, h = 0;
+  uint32_t bits, w, h;
   if (!c.Read(bits, 2) || !c.Read(w, 2) || !c.Read(h, 2)) return "is a picture cut short";
   size_t pixel = StoredPixelBytes((int16_t)bits);
   if (pixel == 0) return "is a picture of an unknown colour depth";
@@ -109,11 +110,11 @@ std::string BitmapProblem(Cursor c) {
 
 // One object, its properties before it. Moves the cursor past it.
 std::string ObjectProblem(Cursor &c) {
-  uint32_t type = 0;
+  uint32_t type;
   for (;;) {
     if (!c.Read(type, 4)) return "is missing: the file ends before it";
     if (type != PropertyId) break;
-    uint32_t id = 0, length = 0;
+    uint32_t id, length;
     if (!c.Read(id, 4) || !c.Read(length, 4) || !c.Skip(length)) return "has a property cut short";
     // Allegro ends an object's property list at this id, and loses the rest.
     if (id == NoType) return "has a property without a type";
@@ -121,7 +122,7 @@ std::string ObjectProblem(Cursor &c) {
   if (type == NoType) return "has no type";
   for (uint32_t unchecked : UncheckedTypes)
     if (type == unchecked) return "is of a type that is not read here";
-  uint32_t stored = 0, size = 0;
+  uint32_t stored, size;
   if (!c.Read(stored, 4) || !c.Read(size, 4)) return "is cut short";
   if ((int32_t)size < 0) return "is compressed; save the file uncompressed";
   if (stored != size) return "gives two different sizes";
@@ -147,7 +148,7 @@ bool ReadFile(const char *path, std::vector<unsigned char> &bytes) {
 
 std::string RVK_DatafileProblem(const unsigned char *data, size_t size) {
   Cursor c{data, data + size};
-  uint32_t magic = 0, kind = 0, count = 0;
+  uint32_t magic, kind, count;
   c.Read(magic, 4);
   if (magic == PackedMagic) return "the file is packed; save it uncompressed";
   if (!c.Read(kind, 4) || magic != PlainMagic || kind != DatafileMagic) return "the file is no Allegro datafile";

@@ -9,12 +9,30 @@
 #include <string>
 #include "rvk/core.h"
 
+int RVK_TextHeight(FONT *font) {
+  return font != nullptr ? text_height(font) : 0;
+}
+
+int RVK_TextLength(const char *text, FONT *font) {
+  return font != nullptr ? text_length(font, text) : 0;
+}
+
+void RVK_BeginBlend(int colour, int alpha) {
+  glEnable(GL_BLEND);
+  glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+  glColor4ub(getr(colour), getg(colour), getb(colour), alpha);
+}
+
+void RVK_EndBlend() {
+  glDisable(GL_BLEND);
+  glColor3f(1.0f, 1.0f, 1.0f);
+}
+
 void RVK_DrawText(FONT *font, int x, int y, int colour, const char *text) {
   if (font == nullptr || text == nullptr) return;
-  glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-  glEnable(GL_BLEND);
-  glAlphaFunc(GL_GREATER, 0);
-  glEnable(GL_ALPHA_TEST);
+  // Blended, the glyphs' empty texels leave what lies beneath; AllegroGL
+  // gives the text its colour itself.
+  RVK_BeginBlend(colour, RVK_Opaque);
   glEnable(GL_TEXTURE_2D);
   // The text is drawn as it is: a percent sign in it is no format. AllegroGL
   // reads the text it has formatted as a format once more, so each percent
@@ -24,54 +42,35 @@ void RVK_DrawText(FONT *font, int x, int y, int colour, const char *text) {
     if (*c == '%') literal += '%';
     literal += *c;
   }
-  allegro_gl_printf(font, x, y, 0, colour, "%s", literal.c_str());
+  allegro_gl_printf(font, x, y, 0.0f, colour, "%s", literal.c_str());
   glDisable(GL_TEXTURE_2D);
-  glDisable(GL_ALPHA_TEST);
-  glDisable(GL_BLEND);
-  glColor3f(1, 1, 1);
+  RVK_EndBlend();
 }
 
 void RVK_Printf(int x, int y, int colour, const char *format, ...) {
   char text[512];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(text, sizeof(text), format, args);
-  va_end(args);
+  RVK_FORMAT(text, format);
   RVK_DrawText(RVK_FontStandard, x, y, colour, text);
 }
 
 void RVK_PrintfFont(FONT *font, int x, int y, int colour, const char *format, ...) {
   char text[512];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(text, sizeof(text), format, args);
-  va_end(args);
+  RVK_FORMAT(text, format);
   RVK_DrawText(font, x, y, colour, text);
 }
 
-static GLubyte AlphaByte(int alpha) {
-  return (GLubyte)(alpha < 0 ? 0 : alpha > 255 ? 255 : alpha);
-}
-
 void RVK_DrawLine(int x1, int y1, int x2, int y2, int colour, int alpha) {
-  glEnable(GL_BLEND);
-  glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-  glColor4ub(getr(colour), getg(colour), getb(colour), AlphaByte(alpha));
+  RVK_BeginBlend(colour, alpha);
   glBegin(GL_LINES);
   glVertex2i(x1, y1);
   glVertex2i(x2, y2);
   glEnd();
-  glDisable(GL_BLEND);
-  glColor3f(1, 1, 1);
+  RVK_EndBlend();
 }
 
 void RVK_DrawRect(int x1, int y1, int x2, int y2, int colour, bool filled, int alpha) {
-  bool blended = alpha < 255;
-  if (blended) {
-    glEnable(GL_BLEND);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-  }
-  glColor4ub(getr(colour), getg(colour), getb(colour), AlphaByte(alpha));
+  // Blended at any alpha: an opaque colour blends to itself.
+  RVK_BeginBlend(colour, alpha);
   if (filled) {
     // Both far edges are inside the rectangle.
     glBegin(GL_QUADS);
@@ -94,8 +93,7 @@ void RVK_DrawRect(int x1, int y1, int x2, int y2, int colour, bool filled, int a
     glVertex2i(x2, y2 + 1);
     glEnd();
   }
-  if (blended) glDisable(GL_BLEND);
-  glColor3f(1, 1, 1);
+  RVK_EndBlend();
 }
 
 void RVK_DrawRectWH(int x, int y, int w, int h, int colour, bool filled, int alpha) {
@@ -112,16 +110,13 @@ void RVK_DrawBevelBox(int x1, int y1, int x2, int y2, int upperLeft, int lowerRi
 
 void RVK_DrawFieldBox(int x, int y, int w, int h) {
   RVK_DrawBevelBox(x + 1, y + 1, x + w - 1, y + h - 1, RVK_Palette.Black, RVK_Palette.FieldLowerRight,
-                   RVK_Palette.White, 255);
+                   RVK_Palette.White, RVK_Opaque);
 }
 
 void RVK_DrawWindowFrame(int x1, int y1, int x2, int y2, int alpha, const char *titleFormat, ...) {
   char title[512];
-  va_list args;
-  va_start(args, titleFormat);
-  std::vsnprintf(title, sizeof(title), titleFormat, args);
-  va_end(args);
-  int h = RVK_FontStandard != nullptr ? text_height(RVK_FontStandard) : 0;
+  RVK_FORMAT(title, titleFormat);
+  int h = RVK_TextHeight();
   const PaletteClass &p = RVK_Palette;
   RVK_DrawBevelBox(x1, y1 + h + 4, x2, y2, p.BevelLight, p.BevelDark, p.PanelFace, alpha);
   RVK_DrawBevelBox(x1, y1, x2, y1 + h + 4, p.TitleLight, p.TitleDark, p.TitleFace, alpha);

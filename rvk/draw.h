@@ -2,6 +2,16 @@
 // blending, alpha test and texturing off.
 #pragma once
 #include <allegro.h>
+#include "rvk/core.h"
+
+// The measures of a text; 0 while there is no font, before start-up.
+int RVK_TextHeight(FONT *font = RVK_FontStandard);
+int RVK_TextLength(const char *text, FONT *font = RVK_FontStandard);
+
+// Blending with the usual function in the given colour and alpha, and its
+// end, which leaves the colour white.
+void RVK_BeginBlend(int colour, int alpha);
+void RVK_EndBlend();
 
 void RVK_DrawText(FONT *font, int x, int y, int colour, const char *text);
 void RVK_Printf(int x, int y, int colour, const char *format, ...) __attribute__((format(printf, 4, 5)));

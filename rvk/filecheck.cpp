@@ -2,6 +2,7 @@
 // reads them, and the loaders that every such file goes through.
 #include "rvk/filecheck.h"
 #include <cstdio>
+#include <algorithm>
 #include <cstring>
 #include <strings.h>
 #include <vector>
@@ -109,6 +110,21 @@ bool SectionLineReadsBack(const std::string &line) {
   return rest == std::string::npos || line[rest] == '#';
 }
 
+// Allegro writes a setting back as "name = value", the name and the value
+// without their blanks, and keeps comments and lines of no name as they were.
+// The longer of a line's length as read and once written, so that a file
+// accepted now is still accepted after the program has written it.
+size_t WrittenLength(const std::string &line) {
+  const char *blanks = " \t\r\n";
+  size_t first = line.find_first_not_of(blanks);
+  if (first == std::string::npos || line[first] == '#' || line[first] == '[' || line[first] == '=') return line.size();
+  size_t equals = std::min(line.find('=', first), line.size());
+  size_t nameEnd = line.find_last_not_of(blanks, equals - 1) + 1;
+  size_t value = equals < line.size() ? line.find_first_not_of(blanks, equals + 1) : std::string::npos;
+  size_t valueLength = value == std::string::npos ? 0 : line.find_last_not_of(blanks) + 1 - value;
+  return std::max(line.size(), nameEnd - first + strlen(" = ") + valueLength);
+}
+
 std::string ReadWhole(const char *path, std::vector<uint8_t> &bytes) {
   FILE *file = fopen(path, "rb");
   if (!file) return "can't be opened";
@@ -182,9 +198,9 @@ std::string RVK_CheckWav(const uint8_t *data, size_t size) {
 // back in a form that it then reads differently, so that the settings written
 // are not the settings read: lines holding control characters other than
 // tabs (a carriage return only before a line feed), and section lines other
-// than a plain "[name]". Those are refused, and so are long lines: Allegro's
-// reader writes past a buffer on lines of about 250 bytes that hold
-// characters beyond ASCII.
+// than a plain "[name]". Those are refused, and so are long lines, as read or
+// as written back: Allegro's reader writes past a buffer on lines of about
+// 250 bytes that hold characters beyond ASCII.
 std::string RVK_CheckConfigText(const uint8_t *data, size_t size) {
   int line = 1;
   size_t lineStart = 0;
@@ -195,11 +211,11 @@ std::string RVK_CheckConfigText(const uint8_t *data, size_t size) {
       return Reason("not UTF-8 text (line %d)", line, 0);
     bool lineEnd = c == '\n' || (c == '\r' && i + 1 < size && data[i + 1] == '\n');
     if ((c < ' ' || c == 0x7F) && c != '\t' && !lineEnd) return Reason("a control character (line %d)", line, 0);
-    if (c != '\n' && i + length - lineStart > CONFIG_MAX_LINE)
-      return Reason("a line longer than %d bytes (line %d)", (int)CONFIG_MAX_LINE, line);
     if (c != '\n' && i + length < size) continue;
-    if (!SectionLineReadsBack(std::string((const char *)data + lineStart, i + length - lineStart)))
-      return Reason("a section line other than a plain [name] (line %d)", line, 0);
+    std::string text((const char *)data + lineStart, (c == '\n' ? i : i + length) - lineStart);
+    if (!SectionLineReadsBack(text)) return Reason("a section line other than a plain [name] (line %d)", line, 0);
+    if (WrittenLength(text) > CONFIG_MAX_LINE)
+      return Reason("a line longer than %d bytes as read or as written back (line %d)", (int)CONFIG_MAX_LINE, line);
     line++;
     lineStart = i + 1;
   }

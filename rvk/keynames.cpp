@@ -1,6 +1,7 @@
 // Short names of Allegro key codes and of the four mouse inputs, as button
 // tooltips show them ("F5", "Escape").
 #include "rvk/keynames.h"
+#include <iterator>
 
 static const char *const NoName = "(none)";
 
@@ -35,8 +36,7 @@ static const char *const KeyNames[] = {
     "Left Shift", "Right Shift", "Left Control", "Right Control", "Alt", "Alt Gr", "Left Win",
     "Right Win", "Menu", "Scroll Lock", "Num Lock", "Caps Lock",
 };
-static const int KeyNameCount = (int)(sizeof(KeyNames) / sizeof(KeyNames[0]));
-static_assert(sizeof(KeyNames) / sizeof(KeyNames[0]) == 132, "the table covers the codes -5 to 126");
+static const int KeyNameCount = (int)std::size(KeyNames);
 
 const char *RVK_GetKeyName(int code) {
   int index = code - FirstCode;

@@ -1,16 +1,14 @@
 // ListBoxClass: a scrolling list of text rows that wraps a text to its width,
 // with an optional selection and the scroll bars it manages by itself.
 #include "rvk/listbox.h"
+#include <algorithm>
+#include <iterator>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include "rvk/button.h"
 #include "rvk/core.h"
 #include "rvk/draw.h"
-
-static int TextHeight() {
-  return RVK_FontStandard != nullptr ? text_height(RVK_FontStandard) : 0;
-}
 
 // ---- Text splitting ----
 
@@ -124,20 +122,12 @@ void ListBoxClass::AddItem(const char *text, const char *iconName, const char *t
 
 void ListBoxClass::AddText(const char *text) {
   if (text == nullptr) text = "";
-  std::vector<std::pair<int, int>> rows = RVK_SplitLines(text, RVK_FontStandard, Width - TextHeight() - 1);
+  std::vector<std::pair<int, int>> rows = RVK_SplitLines(text, RVK_FontStandard, Width - RVK_TextHeight() - 1);
   Items.reserve(Items.size() + rows.size());
   for (const std::pair<int, int> &row : rows) {
-    if (row.first == row.second) {
-      AppendItem(*this, " ", nullptr, nullptr);
-      continue;
-    }
-    const char *part = RVK_Substring(text, row.first, row.second);
-    if (part != nullptr) {
-      AppendItem(*this, part, nullptr, nullptr);
-    } else {
-      // A row too long for the shared buffer is copied whole, not lost.
-      AppendItem(*this, std::string(text + row.first, (size_t)(row.second - row.first + 1)).c_str(), nullptr, nullptr);
-    }
+    // A row of one character shows as a blank, like an empty line.
+    std::string part = row.first == row.second ? " " : std::string(text + row.first, (size_t)(row.second - row.first + 1));
+    AppendItem(*this, part.c_str(), nullptr, nullptr);
   }
   // The bars are fitted once to all the rows: fitting them after each row
   // would measure every row again each time.
@@ -151,11 +141,10 @@ bool ListBoxClass::LoadFromTextFile(const char *path) {
     RVK_LogError("RVK_LoadFileToListBox: The file \"%s\" could not be opened as \"r\".", path != nullptr ? path : "");
     return false;
   }
-  long size = 0;
-  if (std::fseek(file, 0, SEEK_END) == 0) size = std::ftell(file);
-  if (size < 0) size = 0;
+  // A file that can't tell its size gets no buffer.
+  long size = std::fseek(file, 0, SEEK_END) == 0 ? std::ftell(file) : -1;
   std::rewind(file);
-  char *buffer = (char *)std::malloc((size_t)size + 1);
+  char *buffer = size < 0 ? nullptr : (char *)std::malloc((size_t)size + 1);
   if (buffer == nullptr) {
     RVK_LogError("ListBoxClass::LoadFromTextFile: Unable to allocate %ld bytes for file buffer", size + 1);
     std::fclose(file);
@@ -163,10 +152,11 @@ bool ListBoxClass::LoadFromTextFile(const char *path) {
   }
   size_t read = std::fread(buffer, 1, (size_t)size, file);
   std::fclose(file);
+  buffer[read] = 0;
   // Line ends become line feeds: a CR LF pair counts as one.
   size_t out = 0;
   for (size_t i = 0; i < read; i++) {
-    if (buffer[i] == '\r' && i + 1 < read && buffer[i + 1] == '\n') continue;
+    if (buffer[i] == '\r' && buffer[i + 1] == '\n') continue;
     buffer[out++] = buffer[i];
   }
   buffer[out] = 0;
@@ -195,9 +185,8 @@ ListBoxItemClass &ListBoxClass::GetItem(int index) {
 // ---- Scrolling ----
 
 void ListBoxClass::ScrollUp(int n) {
-  Selected -= n;
-  if (Selected < 0) Selected = 0;
-  if (Selected < TopRow) TopRow = Selected;
+  Selected = std::max(Selected - n, 0);
+  TopRow = std::min(TopRow, Selected);
 }
 
 void ListBoxClass::ScrollDown(int n) {
@@ -208,7 +197,7 @@ void ListBoxClass::ScrollDown(int n) {
 }
 
 void ListBoxClass::UpdateSliders() {
-  int h = TextHeight();
+  int h = RVK_TextHeight();
   int n = GetCount();
   HasVBar = false;
   HasHBar = false;
@@ -222,8 +211,8 @@ void ListBoxClass::UpdateSliders() {
   }
   int longest = 0;
   for (const ListBoxItemClass &item : Items) {
-    int length = RVK_FontStandard != nullptr ? text_length(RVK_FontStandard, item.Text.c_str()) : 0;
-    if (length > longest) longest = length;
+    int length = RVK_TextLength(item.Text.c_str());
+    longest = std::max(longest, length);
   }
   longest += 3;
   // A list without width has no room for a bar.
@@ -238,22 +227,18 @@ void ListBoxClass::UpdateSliders() {
 
 void ListBoxClass::Run() {
   const PaletteClass &p = RVK_Palette;
-  int h = TextHeight();
+  int h = RVK_TextHeight();
   int count = GetCount();
 
   if (Selectable) {
-    if (Selected >= count) Selected = count - 1;
-    if (Selected < 0) Selected = 0;
-    if (KeepSelectionVisible) {
-      if (Selected < TopRow && TopRow > 0)
-        Selected = TopRow;
-      else if (Selected >= TopRow + RowsShown && TopRow < count - RowsShown)
-        Selected = TopRow + RowsShown - 1;
-    }
+    Selected = std::max(std::min(Selected, count - 1), 0);
+    // Kept among the rows on show; a selection past them can only be there
+    // while rows beyond them remain.
+    if (KeepSelectionVisible) Selected = std::min(std::max(Selected, TopRow), TopRow + RowsShown - 1);
   }
 
   int boxHeight = (h + 1) * RowsShown + 1;
-  RVK_DrawBevelBox(X, Y, X + Width, Y + boxHeight, p.ListUpperLeft, p.White, p.ListFill, 255);
+  RVK_DrawBevelBox(X, Y, X + Width, Y + boxHeight, p.ListUpperLeft, p.White, p.ListFill, RVK_Opaque);
   RVK_SetClipRect(X, Y, Width, boxHeight);
 
   int hoverRow = -1;
@@ -267,7 +252,7 @@ void ListBoxClass::Run() {
     if (in) hoverRow = i;
     int colour = p.Black;
     if (i == Selected && Selectable) {
-      RVK_DrawRect(X + 1, ry + 1, X + Width - 2, ry + h, p.Black, true, 255);
+      RVK_DrawRect(X + 1, ry + 1, X + Width - 2, ry + h, p.Black, true, RVK_Opaque);
       colour = p.ListFill;
     } else if ((mb & 1) && in) {
       // Shown selected from the next frame on.
@@ -275,7 +260,7 @@ void ListBoxClass::Run() {
     }
     const ListBoxItemClass &item = Items[(size_t)i];
     RVK_DrawText(RVK_FontStandard, X - HScroll + 1, ry, colour, item.Text.c_str());
-    int columns = item.ColumnCount < 0 ? 0 : item.ColumnCount > 8 ? 8 : item.ColumnCount;
+    int columns = std::clamp<int>(item.ColumnCount, 0, (int)std::size(item.ColumnTexts));
     for (int c = 0; c < columns; c++)
       RVK_DrawText(RVK_FontStandard, X - HScroll + 1 + item.ColumnOffsets[c], ry, colour,
                    item.ColumnTexts[c].c_str());
@@ -300,18 +285,13 @@ void ListBoxClass::Run() {
         case KEY_UP: ScrollUp(1); break;
         case KEY_DOWN: ScrollDown(1); break;
         case KEY_PGUP:
-          Selected -= RowsShown;
-          if (Selected < 0) Selected = 0;
-          TopRow -= RowsShown;
-          if (TopRow < 0) TopRow = 0;
+          Selected = std::max(Selected - RowsShown, 0);
+          TopRow = std::max(TopRow - RowsShown, 0);
           break;
         case KEY_PGDN:
-          Selected += RowsShown;
-          if (Selected > count - 1) Selected = count - 1;
-          TopRow += RowsShown;
-          if (TopRow + RowsShown >= count) TopRow = count - RowsShown;
+          Selected = std::min(Selected + RowsShown, count - 1);
           // A list shorter than its box keeps its first row on top.
-          if (TopRow < 0) TopRow = 0;
+          TopRow = std::max(std::min(TopRow + RowsShown, count - RowsShown), 0);
           break;
         default: simulate_keypress(k); break;
       }

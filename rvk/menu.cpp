@@ -2,24 +2,17 @@
 // bottom strip that shows the selected entry with a pulsing icon and a help
 // line sliding in from the right.
 #include "rvk/menu.h"
+#include <algorithm>
 #include "rvk/button.h"
 #include "rvk/core.h"
 #include "rvk/draw.h"
 
 MenuPulseClass RVK_MenuPulse;
 
-static int FontHeight(FONT *font) {
-  return font != nullptr ? text_height(font) : 0;
-}
-
-static int FontLength(FONT *font, const std::string &text) {
-  return font != nullptr ? text_length(font, text.c_str()) : 0;
-}
-
 // ---- Geometry and pulse ----
 
 MenuRowClass RVK_MenuRow(int index, int mediumHeight, int textHeight, int rowWidth, int textX) {
-  int rh = textHeight > 32 ? textHeight : 32;
+  int rh = std::max(textHeight, 32);
   MenuRowClass row;
   row.Y = mediumHeight + 10 + index * (rh + 8);
   row.X1 = 15;
@@ -58,8 +51,8 @@ void MenuClass::Create(const char *title, const char *footer, const char *topRig
   HelpX = SCREEN_W;
   Selected = 0;
   RowWidth = 320;
-  int h = FontHeight(RVK_FontStandard);
-  TextX = (h > 32 ? h : 32) + 25;
+  int h = RVK_TextHeight();
+  TextX = std::max(h, 32) + 25;
   PulseTimer.Reset();
   Entries.clear();
   SelectSample = MoveSample = BackSample = nullptr;
@@ -70,8 +63,7 @@ void MenuClass::AddEntry(const char *name, const char *iconName, const char *hel
   entry.Name = name != nullptr ? name : "";
   entry.Help = help != nullptr ? help : "";
   entry.Icon = RVK_GetIcon(iconName);
-  int width = FontLength(RVK_FontStandard, entry.Name) + 96;
-  if (width > RowWidth) RowWidth = width;
+  RowWidth = std::max(RowWidth, RVK_TextLength(entry.Name.c_str()) + 96);
   Entries.push_back(entry);
 }
 
@@ -80,9 +72,9 @@ void MenuClass::AddEntry(const char *name, const char *iconName, const char *hel
 bool MenuClass::Draw() {
   const PaletteClass &p = RVK_Palette;
   bool clicked = false;
-  int mh = FontHeight(RVK_FontMedium);
-  int h = FontHeight(RVK_FontStandard);
-  int rh = h > 32 ? h : 32;
+  int mh = RVK_TextHeight(RVK_FontMedium);
+  int h = RVK_TextHeight();
+  int rh = std::max(h, 32);
 
   int mx = mouse_x, my = mouse_y;
   bool moved = mx != LastMouseX || my != LastMouseY;
@@ -91,7 +83,7 @@ bool MenuClass::Draw() {
 
   RVK_DrawRectWH(0, 8, SCREEN_W, mh, p.MenuBlue, true, 128);
   RVK_PrintfFont(RVK_FontMedium, 15, 8, p.White, "%s", Title.c_str());
-  RVK_PrintfFont(RVK_FontMedium, SCREEN_W - FontLength(RVK_FontMedium, TopRightText) - 32, 8, p.White, "%s",
+  RVK_PrintfFont(RVK_FontMedium, SCREEN_W - RVK_TextLength(TopRightText.c_str(), RVK_FontMedium) - 32, 8, p.White, "%s",
                  TopRightText.c_str());
 
   for (int i = 0; i < (int)Entries.size(); i++) {
@@ -113,7 +105,7 @@ bool MenuClass::Draw() {
     }
     RVK_DrawRectWH(15, row.Y + 1, RowWidth, rh + 7, band, true, 96);
     RVK_PrintfFont(RVK_FontStandard, TextX, row.Y + (rh - h + 8) / 2, text, "%s", Entries[i].Name.c_str());
-    RVK_DrawTexture(Entries[i].Icon, 20, row.Y + (rh - 24) / 2, 0, true, 255);
+    RVK_DrawTexture(Entries[i].Icon, 20, row.Y + (rh - 24) / 2, 0, true, RVK_Opaque);
   }
 
   RVK_DrawRectWH(0, SCREEN_H - 51, SCREEN_W, 50, makecol(192, 192, 192), true, 112);
@@ -124,17 +116,16 @@ bool MenuClass::Draw() {
     int s = RVK_MenuPulse.Size;
     int b = RVK_MenuPulse.Brightness;
     RVK_PrintfFont(RVK_FontStandard, 64, SCREEN_H - 50, makecol(b, b, b), "%s", entry.Name.c_str());
-    RVK_DrawTextureScaled(entry.Icon, 32 - s / 2, SCREEN_H - s / 2 - 51, s, s, 0, true, 255);
+    RVK_DrawTextureScaled(entry.Icon, 32 - s / 2, SCREEN_H - s / 2 - 51, s, s, 0, true, RVK_Opaque);
     if (!entry.Help.empty()) {
       RVK_Printf(HelpX, SCREEN_H - h - 4, p.White, "%s", entry.Help.c_str());
-      if (HelpX > 64) HelpX -= 60;
-      if (HelpX < 64) HelpX = 64;
+      HelpX = std::max(HelpX - 60, 64);
     }
   }
 
-  RVK_Printf(SCREEN_W - FontLength(RVK_FontStandard, Footer) - 16, SCREEN_H - 50, p.Black, "%s", Footer.c_str());
+  RVK_Printf(SCREEN_W - RVK_TextLength(Footer.c_str()) - 16, SCREEN_H - 50, p.Black, "%s", Footer.c_str());
   if (!FooterLine2.empty())
-    RVK_Printf(SCREEN_W - FontLength(RVK_FontStandard, FooterLine2) - 16, SCREEN_H - 50 + h, p.Black, "%s",
+    RVK_Printf(SCREEN_W - RVK_TextLength(FooterLine2.c_str()) - 16, SCREEN_H - 50 + h, p.Black, "%s",
                FooterLine2.c_str());
   return clicked;
 }
@@ -179,6 +170,6 @@ int MenuClass::Run() {
   if (Selected < 0) Selected = (int)Entries.size() - 1;
   if (Selected >= (int)Entries.size()) Selected = 0;
   // A menu without entries has nothing to select.
-  if (Selected < 0) Selected = 0;
+  Selected = std::max(Selected, 0);
   return result;
 }

@@ -8,10 +8,7 @@
 
 void RVK_MessageBox(const char *format, ...) {
   char text[512];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(text, sizeof(text), format, args);
-  va_end(args);
+  RVK_FORMAT(text, format);
 
   ToolbarClass box;
   box.Create(0, 0, false);

@@ -1,6 +1,7 @@
 // PickerBarClass: a vertical strip of thumbnails between two scroll buttons;
 // a click on a thumbnail answers its row. The bar owns its thumbnails.
 #include "rvk/pickerbar.h"
+#include <algorithm>
 #include "rvk/console.h"
 #include "rvk/core.h"
 #include "rvk/draw.h"
@@ -10,12 +11,12 @@
 int RVK_PickerVisibleRows(int downButtonY, int rowsY, int rowHeight) {
   if (rowHeight < 1) return 0;
   int rows = (downButtonY - rowsY - 2) / rowHeight;
-  return rows > 0 ? rows : 0;
+  return std::max(rows, 0);
 }
 
 int RVK_PickerMaxTopRow(int rows, int visibleRows) {
   int top = rows - visibleRows;
-  return top > 0 ? top : 0;
+  return std::max(top, 0);
 }
 
 void RVK_PickerClipRect(const PickerBarClass &bar, int &x, int &y, int &w, int &h) {
@@ -104,7 +105,7 @@ int PickerBarClass::Run() {
   int picked = -1;
   int y = RowsY;
   // TopRow is the caller's field too: a value out of range shows from row 0.
-  int first = TopRow >= 0 ? TopRow : 0;
+  int first = std::max(TopRow, 0);
   for (int r = first; r < first + VisibleRows && r < (int)Rows.size(); r++) {
     RVK_DrawTexture(Rows[r], X, y, 0, true, Alpha);
     if (picked == -1 && RVK_MouseIn(X, y, X + Width, y + ThumbHeight + 1)) {

@@ -1,6 +1,7 @@
 // SliderClass: a trough and a knob bound to an integer of the owner's; with a
 // label a value slider, without one the scroll bar of a list.
 #include "rvk/slider.h"
+#include <algorithm>
 #include "rvk/core.h"
 #include "rvk/draw.h"
 
@@ -16,8 +17,8 @@ void SliderClass::Create(const char *label, int x, int y, int width, int height,
   Vertical = vertical;
   Value = value;
   Page = page;
-  int length = vertical ? height : width;
-  KnobSize = knobSize != -1 && knobSize >= length ? 32 : knobSize;
+  // A knob as long as the slider would leave it no room to move.
+  KnobSize = knobSize >= (vertical ? height : width) ? 32 : knobSize;
 }
 
 int SliderClass::Length() const {
@@ -26,12 +27,13 @@ int SliderClass::Length() const {
 
 int SliderClass::KnobLength() const {
   int k = KnobSize;
-  if (KnobSize == -1 && Page != -1) {
+  // Without a page (-1) the computed length is below the least one.
+  if (KnobSize == -1) {
     int range = Max - Min + 1;
     if (range == 0) range = 1;
     k = (int)(((float)Page / (float)range * 100.0f) / 100.0f * (float)Length());
   }
-  return k < 20 ? 20 : k;
+  return std::max(k, 20);
 }
 
 int SliderClass::KnobPosition(int value) const {
@@ -47,18 +49,13 @@ bool SliderClass::ValueAt(int offset, int &value) const {
   int m = offset - k / 2;
   int q = (int)((int64_t)m * 100 / room);
   float f = (float)Max * (float)q / 100.0f;
-  if (f > (float)Max)
-    value = Max;
-  else if (f < (float)Min)
-    value = Min;
-  else
-    value = (int)f;
+  value = (int)std::min(std::max(f, (float)Min), (float)Max);
   return true;
 }
 
 void SliderClass::Run() {
   const PaletteClass &p = RVK_Palette;
-  RVK_DrawBevelBox(X, Y, X + Width, Y + Height, p.TroughUpperLeft, p.TitleLight, p.TitleDark, 255);
+  RVK_DrawBevelBox(X, Y, X + Width, Y + Height, p.TroughUpperLeft, p.TitleLight, p.TitleDark, RVK_Opaque);
   if (Max < 1) return;
 
   int k = KnobLength();
@@ -67,9 +64,9 @@ void SliderClass::Run() {
   if (!Label.empty()) RVK_Printf(X, Y + Height + 2, p.Black, "%s - %d", Label.c_str(), value);
   int pos = KnobPosition(value);
   if (Vertical)
-    RVK_DrawBevelBox(X, Y + pos, X + Width, Y + pos + k, p.TitleFace, p.KnobLowerRight, p.KnobFill, 255);
+    RVK_DrawBevelBox(X, Y + pos, X + Width, Y + pos + k, p.TitleFace, p.KnobLowerRight, p.KnobFill, RVK_Opaque);
   else
-    RVK_DrawBevelBox(X + pos, Y, X + pos + k, Y + Height, p.TitleFace, p.KnobLowerRight, p.KnobFill, 255);
+    RVK_DrawBevelBox(X + pos, Y, X + pos + k, Y + Height, p.TitleFace, p.KnobLowerRight, p.KnobFill, RVK_Opaque);
 
   int mx = mouse_x, my = mouse_y;
   if (!(X <= mx && mx <= X + Width && Y <= my && my <= Y + Height)) return;

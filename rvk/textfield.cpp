@@ -1,6 +1,7 @@
 // TextFieldClass: one-line text entry with a label, and the table of focus
 // numbers by which several fields on a screen share the keyboard.
 #include "rvk/textfield.h"
+#include <algorithm>
 #include "rvk/core.h"
 #include "rvk/draw.h"
 #include "rvk/timer.h"
@@ -49,8 +50,7 @@ void RVK_SetFocus(unsigned char id) {
 }
 
 int RVK_TextWidthForChars(FONT *font, int count) {
-  if (font == nullptr) return 0;
-  return text_length(font, "W") * count;
+  return RVK_TextLength("W", font) * count;
 }
 
 // ---- Caret ----
@@ -65,8 +65,7 @@ void DrawCaret(int x, int y, int colour) {
   // Two changes a second: half a second on, half a second off, the rhythm of
   // a desktop caret, slow enough to find and quick enough to catch the eye.
   if (!RVK_BlinkOn(RVK_Clock(), 2)) return;
-  int h = RVK_FontStandard != nullptr ? text_height(RVK_FontStandard) : 0;
-  RVK_DrawRect(x, y, x + 2, y + h + 1, colour, true, 255);
+  RVK_DrawRect(x, y, x + 2, y + RVK_TextHeight() + 1, colour, true, RVK_Opaque);
 }
 
 // ---- Editing ----
@@ -90,8 +89,7 @@ TextKeyAction RVK_TextKeyAction(int scancode, int character) {
 
 void TextFieldClass::ApplyKey(TextKeyAction action, int character) {
   int length = (int)Text.size();
-  if (Caret < 0) Caret = 0;
-  if (Caret > length) Caret = length;
+  Caret = std::clamp(Caret, 0, length);
   switch (action) {
     case TextKeyBackspace:
       if (Caret > 0) {
@@ -133,7 +131,7 @@ void TextFieldClass::Create(const char *text, const char *label, int x, int y, i
   Width = width != -1 ? width : RVK_TextWidthForChars(RVK_FontStandard, maxLength);
   // A field never reaches into the last 20 pixels of the screen.
   if (X + Width > SCREEN_W - 20) Width = SCREEN_W - X - 20;
-  Height = (RVK_FontStandard != nullptr ? text_height(RVK_FontStandard) : 0) + 2;
+  Height = RVK_TextHeight() + 2;
   Caret = (int)Text.size();
   FirstVisible = 0;
   ShowCount = false;
@@ -147,22 +145,20 @@ void TextFieldClass::ReleaseFocusId() {
   RVK_FreeFocusId(FocusId);
 }
 
-// Width in pixels of the characters from `from` up to the caret.
+// Width in pixels of the characters from `from` up to the caret; none while
+// the caret stands before them.
 static int SpanLength(const std::string &text, int from, int to) {
-  if (RVK_FontStandard == nullptr || to <= from) return 0;
-  return text_length(RVK_FontStandard, text.substr((size_t)from, (size_t)(to - from)).c_str());
+  return RVK_TextLength(text.substr((size_t)from, (size_t)std::max(to - from, 0)).c_str());
 }
 
 void TextFieldClass::Run() {
   const PaletteClass &p = RVK_Palette;
-  int h = RVK_FontStandard != nullptr ? text_height(RVK_FontStandard) : 0;
+  int h = RVK_TextHeight();
   int length = (int)Text.size();
   if (Text != PreviousText) Caret = length;
   // The owner may have set the fields: keep both indices inside the text.
-  if (Caret < 0) Caret = 0;
-  if (Caret > length) Caret = length;
-  if (FirstVisible < 0) FirstVisible = 0;
-  if (FirstVisible > length) FirstVisible = length;
+  Caret = std::clamp(Caret, 0, length);
+  FirstVisible = std::clamp(FirstVisible, 0, length);
 
   RVK_DrawFieldBox(X, Y, Width, Height);
   if (!Label.empty()) {

@@ -3,7 +3,10 @@
 #include "rvk/texture.h"
 #include <alleggl.h>
 #include <GL/gl.h>
+#include <algorithm>
 #include <vector>
+#include "rvk/core.h"
+#include "rvk/draw.h"
 #include "rvk/filecheck.h"
 
 // ---- TextureClass ----
@@ -77,14 +80,11 @@ void RVK_DrawTextureScaled(TextureClass texture, int x, int y, int w, int h, flo
     glAlphaFunc(GL_GREATER, 0.5f);
     glEnable(GL_ALPHA_TEST);
   }
-  bool blended = alpha < 255;
-  if (blended) {
-    glColor4ub(255, 255, 255, (GLubyte)(alpha < 0 ? 0 : alpha));
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    glEnable(GL_BLEND);
-  }
-  glTranslated(x + hw, y + hh, 0);
-  if (angle != 0) glRotatef(angle * 1.40625f, 0, 0, 1);
+  // Unblended at full alpha: drawn unmasked, a transparent texel shows black.
+  bool blended = alpha < RVK_Opaque;
+  if (blended) RVK_BeginBlend(RVK_Palette.White, alpha);
+  glTranslated(x + hw, y + hh, 0.0);
+  glRotatef(angle * 1.40625f, 0.0f, 0.0f, 1.0f);
   glBindTexture(GL_TEXTURE_2D, texture.TextureName);
   glBegin(GL_QUADS);
   glTexCoord2f(0, 0);
@@ -96,12 +96,9 @@ void RVK_DrawTextureScaled(TextureClass texture, int x, int y, int w, int h, flo
   glTexCoord2f(0, 1);
   glVertex2i(-hw, -hh);
   glEnd();
-  if (blended) {
-    glDisable(GL_BLEND);
-    // The colour's alpha would otherwise stay behind and make the next
-    // masked texture fail its alpha test.
-    glColor3f(1, 1, 1);
-  }
+  // The colour's alpha would otherwise stay behind and make the next masked
+  // texture fail its alpha test.
+  if (blended) RVK_EndBlend();
   if (masked) glDisable(GL_ALPHA_TEST);
   glDisable(GL_TEXTURE_2D);
   glPopMatrix();
@@ -124,9 +121,8 @@ void RVK_AddIcon(BITMAP *bitmap, const char *name) {
 
 int RVK_FindIcon(const char *name) {
   if (name == nullptr) return 0;
-  for (size_t i = 0; i < Icons.size(); i++)
-    if (Icons[i].Name == name) return (int)i;
-  return 0;
+  auto found = std::find_if(Icons.begin(), Icons.end(), [&](const IconClass &icon) { return icon.Name == name; });
+  return found != Icons.end() ? (int)(found - Icons.begin()) : 0;
 }
 
 TextureClass RVK_GetIcon(const char *name) {
@@ -136,7 +132,7 @@ TextureClass RVK_GetIcon(const char *name) {
 TextureClass RVK_GetIconByIndex(int index) {
   // An index outside the table gets the default icon, like an unknown name;
   // with no table at all there is only an empty value to give.
-  if (index < 0 || index >= (int)Icons.size()) index = 0;
+  if ((size_t)index >= Icons.size()) index = 0;
   if (Icons.empty()) return TextureClass();
   return Icons[index];
 }

@@ -4,6 +4,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include "rvk/core.h"
+#include "rvk/draw.h"
 #include "rvk/listbox.h"
 #include "rvk/messagebox.h"
 #include "rvk/toolbar.h"
@@ -12,12 +13,9 @@ void RVK_ShowText(const char *source, bool sourceIsFile, const char *titleFormat
   ListBoxClass list;
   ToolbarClass toolbar;
   char title[512];
-  va_list args;
-  va_start(args, titleFormat);
-  std::vsnprintf(title, sizeof(title), titleFormat, args);
-  va_end(args);
+  RVK_FORMAT(title, titleFormat);
 
-  int h = RVK_FontStandard != nullptr ? text_height(RVK_FontStandard) : 0;
+  int h = RVK_TextHeight();
   list.Create(5, h + 48, SCREEN_W - 10, (SCREEN_H - h - 48) / (h + 1));
   list.Selectable = false;
   if (source == nullptr) source = "";

@@ -5,9 +5,9 @@
 #include <ctime>
 
 // Every TimerClass earns ticks at this rate; RVK_SetFrameRate changes it.
-// 45 until then, the program's own rate, so a timer used before RVK_Init
-// still paces instead of never answering.
-int RVK_FrameRate = 45;
+// Until then the program's own rate, so a timer used before RVK_Init still
+// paces instead of never answering.
+int RVK_FrameRate = RVK_ProgramFrameRate;
 
 // The clock counts from the first time it is read, so the 32-bit millisecond
 // reading lasts for weeks before it wraps.
@@ -73,21 +73,24 @@ int32_t TimeStampClass::ToHundredths() const {
   return (((int32_t)Hour * 60 + Minute) * 60 + Second) * 100 + Hundredths;
 }
 
-void RVK_GetTimeStamp(TimeStampClass &stamp) {
-  auto now = std::chrono::system_clock::now();
-  auto sinceEpoch = now.time_since_epoch();
-  std::time_t seconds = (std::time_t)std::chrono::duration_cast<std::chrono::seconds>(sinceEpoch).count();
-  int64_t ms = std::chrono::duration_cast<std::chrono::milliseconds>(sinceEpoch).count() % 1000;
-  if (ms < 0) ms += 1000;
+TimeStampClass RVK_TimeStampAt(int64_t milliseconds) {
+  std::time_t seconds = (std::time_t)(milliseconds / 1000);
   std::tm utc{};
   gmtime_r(&seconds, &utc);
+  TimeStampClass stamp;
   stamp.Day = (uint8_t)utc.tm_mday;
   stamp.Month = (uint8_t)(utc.tm_mon + 1);
   stamp.Year = (int16_t)(utc.tm_year + 1900);
   stamp.Hour = (uint8_t)utc.tm_hour;
   stamp.Minute = (uint8_t)utc.tm_min;
   stamp.Second = (uint8_t)utc.tm_sec;
-  stamp.Hundredths = (uint8_t)(ms / 10);
+  stamp.Hundredths = (uint8_t)(milliseconds % 1000 / 10);
+  return stamp;
+}
+
+void RVK_GetTimeStamp(TimeStampClass &stamp) {
+  auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
+  stamp = RVK_TimeStampAt(std::chrono::duration_cast<std::chrono::milliseconds>(sinceEpoch).count());
 }
 
 bool RVK_TimeElapsedAt(TimeStampClass &stamp, const TimeStampClass &now, int hundredths) {

@@ -36,6 +36,8 @@ public:
 int32_t RVK_Clock();
 // Microseconds of the same clock, for the frame trace.
 int64_t RVK_ClockMicroseconds();
+// The UTC time stamp of a moment given in milliseconds since 1970.
+TimeStampClass RVK_TimeStampAt(int64_t milliseconds);
 void RVK_GetTimeStamp(TimeStampClass &stamp);
 bool RVK_TimeElapsed(TimeStampClass &stamp, int hundredths);
 // The pure part of RVK_TimeElapsed: compares against a given present moment.
@@ -43,3 +45,5 @@ bool RVK_TimeElapsedAt(TimeStampClass &stamp, const TimeStampClass &now, int hun
 
 // The rate shared by every TimerClass, in ticks per second.
 extern int RVK_FrameRate;
+// The rate the program runs at: frames a second.
+const int RVK_ProgramFrameRate = 45;

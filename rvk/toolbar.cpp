@@ -1,18 +1,11 @@
 // ToolbarClass: a small window with a title strip and a row of buttons; it
 // can be dragged by its strip and slides back from a screen edge.
 #include "rvk/toolbar.h"
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include "rvk/core.h"
 #include "rvk/draw.h"
-
-static int TextHeight() {
-  return RVK_FontStandard != nullptr ? text_height(RVK_FontStandard) : 0;
-}
-
-static int TextLength(const std::string &text) {
-  return RVK_FontStandard != nullptr ? text_length(RVK_FontStandard, text.c_str()) : 0;
-}
 
 // ---- Geometry ----
 
@@ -32,9 +25,9 @@ int RVK_ToolbarLayout(std::vector<ButtonClass> &buttons, int x, int y, int textH
 
 void RVK_ToolbarKeepOnScreen(ToolbarClass &t, int screenW, int screenH) {
   if (t.X + t.Width >= screenW) t.X = screenW - t.Width - 1;
-  if (t.X < 0) t.X = 0;
+  t.X = std::max(t.X, 0);
   if (t.Y + t.Height >= screenH) t.Y = screenH - t.Height - 1;
-  if (t.Y < 0) t.Y = 0;
+  t.Y = std::max(t.Y, 0);
 }
 
 static bool In(int mx, int my, int x1, int y1, int x2, int y2) {
@@ -64,7 +57,7 @@ void ToolbarClass::Create(int x, int y, bool fixed) {
   HasStatus = false;
   Alpha = 255;
   Width = 0;
-  Height = TextHeight() + 48;
+  Height = RVK_TextHeight() + 48;
   Dragging = false;
   DropDown = false;
   Collapsed = true;
@@ -74,19 +67,13 @@ void ToolbarClass::Create(int x, int y, bool fixed) {
 
 void ToolbarClass::SetTitle(const char *format, ...) {
   char text[512];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(text, sizeof(text), format, args);
-  va_end(args);
+  RVK_FORMAT(text, format);
   Title = text;
 }
 
 void ToolbarClass::SetStatus(const char *format, ...) {
   char text[512];
-  va_list args;
-  va_start(args, format);
-  std::vsnprintf(text, sizeof(text), format, args);
-  va_end(args);
+  RVK_FORMAT(text, format);
   Status = text;
   HasStatus = true;
 }
@@ -112,7 +99,7 @@ void ToolbarClass::AddSeparator() {
 }
 
 void ToolbarClass::Layout() {
-  Width = RVK_ToolbarLayout(Buttons, X, Y, TextHeight(), TextLength(Title), HasStatus ? TextLength(Status) : -1);
+  Width = RVK_ToolbarLayout(Buttons, X, Y, RVK_TextHeight(), RVK_TextLength(Title.c_str()), HasStatus ? RVK_TextLength(Status.c_str()) : -1);
 }
 
 void ToolbarClass::Centre() {
@@ -131,7 +118,7 @@ enum ToolbarHint { HintNone, HintDrag, HintFixed, HintPosition };
 
 int ToolbarClass::Run() {
   const PaletteClass &p = RVK_Palette;
-  int th = TextHeight();
+  int th = RVK_TextHeight();
   ToolbarHint hint = HintNone;
 
   if (DropDown) {
@@ -142,12 +129,10 @@ int ToolbarClass::Run() {
         return -1;
       }
     } else {
-      int tw = TextLength(Title) + 2;
+      int tw = RVK_TextLength(Title.c_str()) + 2;
       if (!RVK_MouseIn(X, Y, X + tw, Y + th + 2)) {
-        if (X < 0) X = 0;
-        if (Y < 0) Y = 0;
-        if (X + tw > SCREEN_W - 1) X = SCREEN_W - tw - 1;
-        if (Y + th + 2 > SCREEN_H - 1) Y = SCREEN_H - th - 3;
+        X = std::min(std::max(X, 0), SCREEN_W - tw - 1);
+        Y = std::min(std::max(Y, 0), SCREEN_H - th - 3);
         RVK_DrawBevelBox(X, Y, X + tw, Y + th + 2, p.BevelLight, p.BevelDark, p.PanelFace, Alpha);
         RVK_Printf(X + 1, Y + 1, p.Black, "%s", Title.c_str());
         return -1;

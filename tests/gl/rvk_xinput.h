@@ -1,68 +1,95 @@
-// Real X input for the widget tests: the pointer, buttons and keys sent with
-// xdotool to the test's own window on its virtual display, each waited for
-// until Allegro has seen it.
+// For the GL tests: the shared X input (support/xinput.h); and for the
+// library's own, the back buffer read as runs of palette letters, values
+// joined for comparing at once, and message boxes that answer at once.
 #pragma once
-#include <allegro.h>
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-#include "rvk/timer.h"
+#include <gtest/gtest.h>
+#include <unistd.h>
+#include <filesystem>
+#include <map>
+#include <sstream>
+#include "rvk/core.h"
+#include "support/gl_env.h"
+#include "support/xinput.h"
 
-// The window's X id, found by a title of our own; the title may take a
-// moment to reach the server.
-inline std::string TkWindowId() {
-  static std::string id;
-  if (!id.empty()) return id;
-  set_window_title("rvk widget test window");
-  for (int attempt = 0; attempt < 50 && id.empty(); attempt++) {
-    char line[64] = {0};
-    if (FILE *p = popen("xdotool search --name '^rvk widget test window$' 2>/dev/null | head -n 1", "r")) {
-      if (std::fgets(line, sizeof(line), p) == nullptr) line[0] = 0;
-      pclose(p);
+// The X input steps of the library's tests, each a failure unless Allegro
+// sees it.
+inline void Move(int x, int y) { EXPECT_TRUE(TkMovePointer(x, y)) << x << "," << y; }
+inline void Press(bool down = true) { EXPECT_TRUE(TkMouse(down)); }
+inline void Key(const char *name, int code, bool down) { EXPECT_TRUE(TkKey(name, code, down)) << name; }
+
+// Allegro's messages open xmessage, which waits for a click: the library's
+// tests have one of their own that answers at once. Allegro prints the
+// message as well.
+inline const std::string TkQuietFolder = [] {
+  std::string folder = "/tmp/rvk_quiet_" + std::to_string(getpid());
+  std::filesystem::create_directories(folder);
+  std::filesystem::create_symlink("/bin/true", folder + "/xmessage");
+  setenv("PATH", (folder + ":" + std::getenv("PATH")).c_str(), 1);
+  std::atexit([] { std::filesystem::remove_all(TkQuietFolder); });
+  return folder;
+}();
+
+// Values joined by blanks, to compare many at once. Written in braces,
+// J{a, b}, it takes copies of its values in order, calls among them included.
+struct J {
+  std::string Text;
+  template <class... T>
+  J(T... values) {
+    std::ostringstream out;
+    ((out << values << ' '), ...);
+    Text = out.str().substr(0, out.str().size() - 1);
+  }
+  operator std::string() const { return Text; }
+};
+inline bool operator==(const J &a, const J &b) { return a.Text == b.Text; }
+inline std::ostream &operator<<(std::ostream &out, const J &j) { return out << j.Text; }
+inline std::string operator+(const J &j, const std::string &s) { return j.Text + s; }
+inline std::string operator+(const std::string &s, const J &j) { return s + j.Text; }
+
+// The colour of a pixel of the back buffer at screen coordinates as RRGGBB.
+// After a flip the buffer still holds the frame flipped.
+inline int Colour(int x, int y) {
+  TkPixel p = TkReadPixel(x, y);
+  return p.R << 16 | p.G << 8 | p.B;
+}
+
+inline std::string Hex(int x, int y) {
+  char text[8];
+  std::snprintf(text, sizeof(text), "%06X", Colour(x, y));
+  return text;
+}
+
+// The colours along a line from (x, y) in steps of (dx, dy), n pixels, as
+// runs of letters: "3.5P" is 3 black, then 5 panel grey; a colour without a
+// letter is '?'.
+inline std::string Scan(int x, int y, int dx, int dy, int n) {
+  static const std::map<int, char> letters = {
+      {0x000000, '.'}, {0xFFFFFF, 'W'}, {0x0000F0, 'B'}, {0xFFFF00, 'Y'}, {0x81A2FF, 'V'}, {0x939393, 'P'},
+      {0x3737FF, 'H'}, {0xD3D3D3, 'L'}, {0x6B6B6B, 'D'}, {0x0303FF, 'T'}, {0xB3B3B3, 'l'}, {0x4F4F4F, 'd'},
+      {0x232323, 'S'}, {0xD4D0C8, 'F'}, {0x808080, 'G'}, {0x838383, 't'}, {0x5353FF, 'k'}, {0x030383, 'K'},
+      {0xDBDBDB, 'I'}, {0x6F6F6F, 'i'}, {0xFF0000, 'r'}, {0x00FF00, 'g'}, {0x0000FF, 'b'}, {0xE60000, 'E'},
+      // menu blue at 128 and 96, white at 96, the menu's bottom strip
+      {0x000078, 'm'}, {0x00005A, 'n'}, {0x606060, 'w'}, {0x545454, 's'}};
+  std::string out;
+  char last = 0;
+  for (int i = 0, run = 0; i <= n; i++, run++) {
+    char c = 0;
+    if (i < n) {
+      auto found = letters.find(Colour(x + i * dx, y + i * dy));
+      c = found == letters.end() ? '?' : found->second;
     }
-    id = line;
-    while (!id.empty() && (id.back() == '\n' || id.back() == ' ')) id.pop_back();
-    if (id.empty()) rest(100);
+    if (c != last && run > 0) out += std::to_string(run) + last, run = 0;
+    last = c;
   }
-  if (!id.empty()) std::system(("xdotool windowfocus " + id + " 2>/dev/null").c_str());
-  return id;
+  return out;
 }
 
-template <class Condition>
-bool TkWaitFor(Condition condition, int milliseconds = 3000) {
-  for (int32_t start = RVK_Clock(); !condition(); rest(5))
-    if (RVK_Clock() - start > milliseconds) return false;
-  return true;
-}
+// Along a row or a column.
+inline std::string H(int x, int y, int n) { return Scan(x, y, 1, 0, n); }
+inline std::string V(int x, int y, int n) { return Scan(x, y, 0, 1, n); }
 
-// The move as a shell command, for the background scripts.
-inline std::string TkMoveCommand(int x, int y) {
-  return "xdotool mousemove --window " + TkWindowId() + " " + std::to_string(x) + " " + std::to_string(y);
-}
-
-// Moves the real pointer; the move is sent again in case the window wasn't
-// listening yet.
-inline bool TkMovePointer(int x, int y) {
-  for (int attempt = 0; attempt < 6; attempt++) {
-    if (std::system(TkMoveCommand(x, y).c_str()) != 0) return false;
-    if (TkWaitFor([&] { return mouse_x == x && mouse_y == y; }, 500)) return true;
-  }
-  return false;
-}
-
-// Presses or lets go of mouse button 1.
-inline bool TkMouse(bool down) {
-  std::system(down ? "xdotool mousedown 1" : "xdotool mouseup 1");
-  return TkWaitFor([=] { return ((mouse_b & 1) != 0) == down; });
-}
-
-// Presses or lets go of the key xdotool calls name, Allegro scancode.
-inline bool TkKey(const char *name, int scancode, bool down) {
-  std::system((std::string(down ? "xdotool keydown " : "xdotool keyup ") + name).c_str());
-  return TkWaitFor([=] { return (key[scancode] != 0) == down; });
-}
-
-// Runs a shell script in the background: the test goes on at once.
-inline void TkLater(const std::string &script) {
-  std::system(("( " + script + " ) >/dev/null 2>&1 &").c_str());
+// Begins a frame on black.
+inline void Frame() {
+  glClearColor(0, 0, 0, 1);
+  RVK_BeginFrame();
 }

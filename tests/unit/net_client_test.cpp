@@ -51,6 +51,7 @@ TEST_F(ClientTest, AppliesTheServersWordToThePlayerOfTheId) {
                          Bytes{33, 8, 0, 0, 0, 0xC0, 0x3F}, Pkt(21, {8}, "B\rb 50%")})
     EXPECT_TRUE(Apply(b)) << Hex(b);
   EXPECT_EQ(Record(Game.Players[2]), std::make_tuple(0, 2, -1, 1, 3.0f, -16.0f, 1.5f, std::string("B,b 50%")));
+  EXPECT_TRUE(Console.Said().empty());  // no report goes back
   EXPECT_TRUE(Apply(Pkt(21, {8}, "")));
   EXPECT_EQ(Game.Players[2].PlayerName, "");
   Console.Clear();
@@ -71,6 +72,7 @@ TEST_F(ClientTest, AppliesTheServersWordToThePlayerOfTheId) {
   EXPECT_EQ(Ids(), (std::vector<int>{1, 2, 8, 11}));
   EXPECT_TRUE(Apply(Pkt(18, {8, 15})));
   EXPECT_EQ(Ids().back(), 15);
+  EXPECT_EQ(Game.Players.back().Character, &Game.Characters[0]);
   EXPECT_TRUE(Apply(Pkt(18, {2, 14})));
   EXPECT_EQ(Ids(), (std::vector<int>{1, 14}));
   EXPECT_EQ(Game.LocalPlayer, &Game.Players[1]);
@@ -86,12 +88,8 @@ TEST_F(ClientTest, QuitAndConsoleLines) {
   EXPECT_EQ(Console.Said(), (Texts{"Warning GetPlayerNumber failed to resolve player ID -1", "Bob has joined the game",
                                    "Bob: hi %d", "Me has left the game", "DeletePlayer: Not deleting local player 1"}));
   EXPECT_EQ(ConsoleLines.back().Colour, makecol(255, 255, 255));
-  Game.Players.insert(Game.Players.begin() + 1, PlayerClass());
-  Game.Players[1].PlayerId = 5;
-  Game.SetLocalPlayer(2);
-  for (int id : {5, 99}) EXPECT_TRUE(Apply(Pkt(20, {id})));
-  EXPECT_EQ(Ids(), (std::vector<int>{0, 2, 8}));
-  EXPECT_EQ(Game.LocalPlayer, &Game.Players[1]);
+  for (int id : {8, 99}) EXPECT_TRUE(Apply(Pkt(20, {id})));
+  EXPECT_EQ(Ids(), (std::vector<int>{0, 2}));
   EXPECT_FALSE(Apply(Pkt(20, {0})));
-  EXPECT_EQ(Ids(), (std::vector<int>{0, 2, 8}));
+  EXPECT_EQ(Ids(), (std::vector<int>{0, 2}));
 }

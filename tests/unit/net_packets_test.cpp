@@ -20,9 +20,7 @@ TEST_F(PacketTest, DescriptionsGiveFieldsByFirstLetter) {
     EXPECT_EQ((const char *)PacketTable[12].FieldTypes, row[1]) << row[0];
   }
   NP_InitPacketTable();
-  for (int type = 0; type < PACKET_TYPE_COUNT; type++)
-    EXPECT_EQ(PacketTable[type].Name.empty(), (type > 10 && type < 18) || (type > 33 && type < 50 && type != 40));
-  EXPECT_EQ(PacketTable[NP_CONSOLE_MESSAGE].Name, "Console Message");
+  EXPECT_EQ(PacketTable[NP_CONSOLE_MESSAGE].Name + PacketTable[12].Name, "Console Message");
 }
 
 TEST_F(PacketTest, ArgumentLinesEncodeToTheWireBytes) {
