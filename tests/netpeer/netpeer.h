@@ -1,19 +1,17 @@
-// Test peers speaking the wire format on 127.0.0.1, and the console's lines.
+// Test peers speaking the wire format on 127.0.0.1.
 #pragma once
 #include <enet/enet.h>
 #include <chrono>
-#include <cstdio>
 #include <cstring>
 #include <functional>
 #include <string>
 #include <unistd.h>
 #include <vector>
-#include "rvk/console.h"
+#include "../support/console_capture.h"
 
 typedef std::vector<uint8_t> Bytes;
-typedef std::vector<std::string> Texts;
 
-// A packet as on the wire: its type byte, 16-bit fields, maybe a text, a zero.
+// A wire packet: its type, 16-bit fields, a text maybe, a zero.
 inline Bytes Pkt(uint8_t type, std::initializer_list<int> shorts = {}, const char *text = nullptr) {
   Bytes b{type};
   auto put = [&](int v) { b.insert(b.end(), {(uint8_t)v, (uint8_t)(v >> 8)}); };
@@ -40,7 +38,7 @@ inline bool PumpUntil(const std::function<void()> &step, const std::function<boo
   return done();
 }
 
-// A client of a server on 127.0.0.1, or a server there, keeping what arrives.
+// A client or a server on 127.0.0.1, keeping what arrives.
 class TestHost {
 public:
   ENetHost *Host = nullptr;
@@ -62,7 +60,6 @@ public:
     Host = enet_host_create(server ? &address : nullptr, server ? 8 : 1, 2, 0, 0);
     return Host && (server || (Peer = enet_host_connect(Host, &address, 2, 0)));
   }
-  bool StartClient(uint16_t port) { return Start(port, false); }
   bool Connected() const { return ConnectTime > 0; }
   void Service(int wait = 0) {
     for (ENetEvent e; enet_host_service(Host, &e, (enet_uint32)wait) > 0; wait = 0) {
@@ -88,24 +85,4 @@ public:
     enet_socket_get_address(Host->socket, &a);
     return std::to_string(a.port);
   }
-};
-
-// The console's lines from its log; Said() leaves out the cues' (sound is off).
-class ConsoleCapture {
-public:
-  FILE *File = std::tmpfile();
-  ConsoleCapture() { ConsoleLogFile = File, ConsoleLogOn = true; }
-  ~ConsoleCapture() { ConsoleLogFile = nullptr, ConsoleLogOn = false, std::fclose(File); }
-  Texts Lines(bool cues = true) {
-    Texts lines;
-    std::rewind(File);
-    for (char b[2048]; std::fgets(b, sizeof b, File);) {
-      std::string line = std::strchr(b + 20, ':') + 2;  // after "dd/mm/yyyy - hh:mm:ss: "
-      line.pop_back();
-      if (cues || line.rfind("Not playing", 0)) lines.push_back(line);
-    }
-    return lines;
-  }
-  Texts Said() { return Lines(false); }
-  void Clear() { std::rewind(File), (void)!ftruncate(fileno(File), 0); }
 };
