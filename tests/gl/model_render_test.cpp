@@ -20,9 +20,8 @@ namespace {
 const TkPixel kBlack{0, 0, 0}, kWhite{255, 255, 255}, kRed{200, 40, 40}, kBlue{30, 60, 220};
 const string kDir = "/tmp/model_render_" + to_string(getpid());
 
-// A unit square facing +z about (x, y, 0), in a group of its own: the
-// corners on the left bound to one joint, those on the right to another,
-// first weight as given.
+// A unit square facing +z about (x, y, 0), in a group of its own, its left
+// and right corners bound to the joints given.
 void AddSquare(MS3DWriter &w, float x, float y, int8_t material, int8_t left = -1, int8_t right = -1,
                uint8_t weight = 0) {
   const uint16_t v = uint16_t(w.Vertices.size()), t = uint16_t(w.Triangles.size());
@@ -63,16 +62,12 @@ float Get(GLenum what) {
 
 TEST(ModelRender, FramesAndClock) {
   mkdir(kDir.c_str(), 0700);
-  const tuple<float, int, int> rules[] = {{0, 60, 0},   {0.5f, 60, 1},    {29.9f, 60, 59},
-                                          {30, 60, -1}, {-0.01f, 60, -1}, {NAN, 60, -1}, {0, 0, -1}};
+  const tuple<float, int, int> rules[] = {{29.9f, 60, 59}, {30, 60, -1}, {-0.01f, 60, -1}, {NAN, 60, -1}, {0, 0, -1}};
   for (auto [frame, lists, list] : rules) EXPECT_EQ(FrameList(frame, lists), list) << frame;
 
-  // A joint sliding from x = -2 at frame 0 to 2 at frame 29, one turning a
-  // quarter about (-3, -2.5), bound a quarter turned. Above, two still
-  // squares and one that the slide carries with half the weight, so it
-  // shrinks towards the origin; in the middle, one that the slide carries
-  // whole; below, one stretched between a still side and a sliding side,
-  // one that the turn carries, a still one.
+  // A slide from x = -2 at frame 0 to 2 at frame 29; a quarter turn about
+  // (-3, -2.5), bound turned. Above: still, still, slid at half weight
+  // (towards the origin). Middle: slid. Below: stretched, turned, still.
   MS3DWriter w;
   w.AnimationFps = 8;
   w.Joints.resize(2);
@@ -90,12 +85,16 @@ TEST(ModelRender, FramesAndClock) {
   } squares[] = {{-3, 2, -1, -1, 0}, {3, 2, -1, -1, 0}, {0, 2, 0, 0, 50}, {0, 0, 0, 0, 0},
                  {0, -2, -1, 0, 0},  {-3, -2, 1, 1, 0}, {3, -2, -1, -1, 0}};
   for (const auto &q : squares) AddSquare(w, q.X, q.Y, -1, q.Left, q.Right, q.Weight);
+  // A point the slide and half the turn carry.
+  const uint16_t p = uint16_t(w.Vertices.size());
+  w.Vertices.push_back({0, {}, 0, 0, {1, -1}, {100, 50}});
+  w.Groups.push_back({0, {}, {uint16_t(w.Triangles.size())}, -1, {}});
+  w.Triangles.push_back({0, {p, p, p}});
   ModelClass model;
   ASSERT_TRUE(Load(model, w));
   EXPECT_EQ(make_tuple(model.Animated, model.ListCount(), model.CurrentFrame, model.Model->CurrentTime),
             make_tuple(true, 60, 0.0f, 0.0f));
-  // Both lists of a frame draw it; still groups and those carried whole are
-  // drawn from four shared lists.
+  // Both lists of a frame draw it; four lists are shared.
   for (float frame : {0.0f, 0.5f, 29.0f, 29.9f}) {
     model.CurrentFrame = frame;
     BeginScene(false);
@@ -113,13 +112,13 @@ TEST(ModelRender, FramesAndClock) {
     EXPECT_NEAR(model.CurrentFrame, to, 0.05f);
   }
   GLuint base = model.ListBase;
-  EXPECT_TRUE(glIsList(base + 63));
+  EXPECT_TRUE(glIsList(base + 63) && !glIsList(base + 64));
   model.Unload();
-  EXPECT_EQ(make_tuple(model.Loaded, model.Model, glIsList(base), glIsList(base + 63)),
-            make_tuple(false, nullptr, GLboolean(0), GLboolean(0)));
+  EXPECT_EQ(make_tuple(model.Loaded, model.Model, model.ListCount(), glIsList(base), glIsList(base + 63)),
+            make_tuple(false, nullptr, 0, GLboolean(0), GLboolean(0)));
 
-  // No joints: one list, which the clock doesn't move. A triangle past the
-  // end and one with a corner past the vertices are left out.
+  // No joints: one list, which the clock doesn't move. Triangles past the
+  // end or with a corner past the vertices are left out.
   MS3DWriter one;
   AddSquare(one, 0, 0, -1);
   one.Triangles[1].VertexIndices[1] = 900;
@@ -137,12 +136,12 @@ TEST(ModelRender, FramesAndClock) {
 }
 
 TEST(ModelRender, TurnsLightAndMaterials) {
-  // Red, blue, green (texture missing), grey (no material) squares; a
+  // Red, blue, green (texture "m" missing), grey (no material) squares; a
   // blended, sphere-mapped material.
   MS3DWriter w;
   AddSquare(w, 0, 0, 0), AddSquare(w, 2, 0, 1), AddSquare(w, 2, 2, 2), AddSquare(w, 4, 0, 9);
   w.Materials.resize(4);
-  const char *textures[] = {"red.tga", "sub\\blue.tga", "missing.tga", "sub\\blue.tga"};
+  const char *textures[] = {"red.tga", "sub\\blue.tga", "m", "sub\\blue.tga"};
   for (int i = 0; i < 4; i++) {
     strcpy(w.Materials[i].Texture, textures[i]);
     for (int c = 0; c < 3; c++) w.Materials[i].Diffuse[c] = i < 2 || c == 1;
@@ -165,9 +164,8 @@ TEST(ModelRender, TurnsLightAndMaterials) {
   EXPECT_EQ(make_tuple(!m[0].TextureId, !m[1].TextureId, string(m[1].Texture), string(m[2].Texture)),
             make_tuple(false, false, "sub\\blue.tga", ""));
 
-  // Centred, the squares stand at (-2, -1), (0, -1), (0, 1), (2, -1), drawn
-  // one to the right. Turns about z come first, then x, then y. Lit grey:
-  // 0.8 + 0.2 x 0.2.
+  // Centred at (-2, -1), (0, -1), (0, 1), (2, -1), drawn one to the right.
+  // Turns about z first, then x, then y. Lit grey: 0.8 + 0.2 x 0.2.
   const tuple<float, float, float, Pixels> draws[] = {
       {0, 0, 0, {{-1, -1, kRed}, {1, -1, kBlue}, {1, 1, {0, 255, 0}}, {3, -1, {214, 214, 214}}, {-1, 1, kBlack}}},
       {128, 0, 64, {{2, 2, kRed}, {2, 0, kBlue}}},
@@ -180,8 +178,8 @@ TEST(ModelRender, TurnsLightAndMaterials) {
   }
 
   // Depth writes, alpha test and reference, blending, texturing, generated
-  // s and t, sphere-mapped, two-sided light, colour alpha, alpha and blend
-  // functions set; the texture, the colours. Some rows start opposite.
+  // s and t, sphere map, two-sided light, colour alpha, alpha and blend
+  // functions; texture, colours. Some rows start opposite.
   const tuple<int, int, bool, vector<float>> states[] = {
       {-1, 0, true, {1, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0}},  {3, 0, false, {0, 1, 0, 1, 1, 1, 1, 1, 1, 0.5f, 1}},
       {4, 0, false, {1, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1}},  {0, 0, true, {0, 0, 0, 0, 1, 0, 0, 1, 0, 1, 1}},

@@ -35,7 +35,7 @@ template <class R> vector<MS3DCommentRecord> Comments(const vector<R> &records) 
   return out;
 }
 
-// The file that holds what m holds, key times back in seconds.
+// The file that holds what m holds.
 Bytes Written(const msModel &m) {
   MS3DWriter w;
   w.Vertices = m.Vertices, w.Triangles = m.Triangles, w.Groups = m.Groups, w.Materials = m.Materials;
@@ -73,7 +73,7 @@ MS3DWriter Full() {
   w.CurrentTime = 3, w.TotalFrames = 48;
   msJoint &root = w.Joints[0];
   root.Flags = 9, root.Rotation[1] = 0.2f, root.Position[2] = 3, root.Color[0] = 0.9f;
-  // The last record of the part every file has: its size is checked there.
+  // On the last joint, where their size is checked.
   w.Joints[1].RotationKeys = {{0.5f, {0.1f, 0.2f, 0.3f}}};
   w.Joints[1].PositionKeys = {{0.25f, {1, 2, 3}}, {2, {4, 5, 6}}};
   w.GroupComments = {{1, "g"}}, w.MaterialComments = {{0, "m"}}, w.JointComments = {{1, "j"}};
@@ -113,7 +113,7 @@ TEST(ModelLoader, CutFilesKeepWholeSections) {
       end[k] = cut.Encode().size();
     }
     const Bytes file = in.Encode();
-    // One model for all: what a shorter file lacks is not left behind.
+    // What a shorter file lacks is not left behind.
     msModel m;
     for (size_t len = file.size() + 1; len-- > 0;) {
       bool loaded = LoadBytes(m, Bytes(file.begin(), file.begin() + len));
@@ -176,17 +176,13 @@ TEST(ModelLoader, TexturePaths) {
 TEST(ModelLoader, ThirdPartyModels) {
   // The spheres' vertex section is of an unknown sub-version, so the bytes
   // behind it are read as sub-versions.
-  const pair<const char *, vector<int>> cases[] = {
-      {"/twospheres_withmats.ms3d", {124, 240, 2, 2, 1, 3, 16777215, 0}},
-      {"/jeep1.ms3d", {1190, 2032, 7, 1, -1, -1, -1, -1}},
-  };
-  for (const auto &[file, counts] : cases) {
+  for (auto [file, want] : {pair("twospheres_withmats", vector{124, 240, 2, 2, 1, 3, 16777215, 0}),
+                            pair("jeep1", vector{1190, 2032, 7, 1, -1, -1, -1, -1})}) {
     msModel m;
     m.UploadTextures = false;
-    EXPECT_TRUE(m.Load((TK_MS3D_DIR + string(file)).c_str())) << file;
-    EXPECT_EQ(vector<int>({int(m.Vertices.size()), int(m.Triangles.size()), int(m.Groups.size()),
-                                int(m.Materials.size()), m.CommentsSubVersion, m.VertexExtraSubVersion,
-                                m.JointExtraSubVersion, m.ModelExtraSubVersion}),
-              counts);
+    EXPECT_TRUE(m.Load((TK_MS3D_DIR "/" + string(file) + ".ms3d").c_str()));
+    EXPECT_EQ(vector({int(m.Vertices.size()), int(m.Triangles.size()), int(m.Groups.size()), int(m.Materials.size()),
+                      m.CommentsSubVersion, m.VertexExtraSubVersion, m.JointExtraSubVersion, m.ModelExtraSubVersion}),
+              want) << file;
   }
 }

@@ -50,7 +50,7 @@ TEST(ModelMaths, Slerp) {
       {p, q, 0.3f, x(0.58), q},
       // The longer way round: q is negated in place.
       {x(2.24), far, 0.5f, x(3.33659265), {-far[0], 0, 0, -far[3]}},
-      // Both distances overflow, q stays, cosom is -infinity: p turns through
+      // Both distances overflow, q stays; opposite: p turns through
       // (-p.y, p.x, -p.w, p.z), whose fourth element stays.
       {big, against, 1, {-2, 1e20f, -4, 3}, against},
       {big, against, 0.25f, {c * 1e20f, s * 1e20f, 3 * c - 4 * s, 3}, against},
@@ -108,8 +108,7 @@ TEST(ModelSkeleton, SkinnedByTheKeys) {
 
 TEST(ModelSkeleton, BonesAndWeights) {
   msModel m;
-  // Joints shifting by 10 along x, not at all (no keys), along z (its own
-  // parent: a root).
+  // Shifts by 10 along x, none (no keys), along z (its own parent: a root).
   m.Joints = {Joint("a", "", {{0, {10, 0, 0}}}), Joint("b", ""), Joint("s", "s", {{0, {0, 0, 10}}})};
   m.SetupJoints();
   m.SetFrame(0);
@@ -141,9 +140,7 @@ TEST(ModelSkeleton, BonesAndWeights) {
 
 TEST(ModelSkeleton, Centring) {
   msModel m;
-  m.Vertices.resize(3);
-  const float at[3][3] = {{0, 0, 0}, {10, -4, 2}, {3, 3, 1}};
-  for (int i = 0; i < 3; i++) memcpy(m.Vertices[i].Position, at[i], sizeof at[i]);
+  m.Vertices = {{0, {0, 0, 0}}, {0, {10, -4, 2}}, {0, {3, 3, 1}}};
   m.Joints = {Joint("root", ""), Joint("child", "root"), Joint("orphan", "missing")};
   for (msJoint &j : m.Joints) j.Position[0] = j.Position[1] = j.Position[2] = 1;
   ModelBox box = CentreModel(m);
@@ -154,6 +151,5 @@ TEST(ModelSkeleton, Centring) {
   ExpectNear(got.data(), {10, 7, 2, 5, 3.5, 1, -5, 0.5, -1, -5, -3.5, -1, 5, 3.5, 1, 5, -3.5, 1, -4, 1.5, 0, 1, 1, 1, -4, 1.5, 0},
              0);
   msModel empty;
-  box = CentreModel(empty);
-  ExpectNear(box.CentreOffset, {0, 0, 0}, 0);
+  ExpectNear(CentreModel(empty).CentreOffset, {0, 0, 0}, 0);
 }
