@@ -1,5 +1,4 @@
-// The datafile check: what Allegro's loader may be given, the shipped
-// datafiles whole and cut anywhere, and a refusal in the error log.
+// The check before Allegro's datafile loader.
 #include <gtest/gtest.h>
 #include <allegro.h>
 #include <fstream>
@@ -9,8 +8,7 @@
 
 using Bytes = std::vector<unsigned char>;
 
-// Bytes from words: a number as value:width, big-endian ("18:4"); any other
-// word as its characters, an underscore for a blank ("BMP_").
+// Words to bytes: value:width big-endian, else characters, _ for a blank.
 static std::string Problem(const std::string &words) {
   Bytes b;
   std::istringstream in(words);
