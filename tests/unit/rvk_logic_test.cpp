@@ -62,8 +62,6 @@ TEST(Timer, ShortStallsAreCaughtUpLongOnesForgivenBackwardsResets) {
   TimerClass t = TimerAt(1000);
   // Short stalls caught up a frame a call, a second's forgiven at once.
   EXPECT_EQ((J{Frames(t, 1022), Frames(t, 1023), Frames(t, 1123)}), "0 0.99 0 1 1.035 1 4 5.535 5");
-  t = TimerAt(0);
-  EXPECT_EQ((J{Frames(t, 1000), Frames(t, 1023), t.LastClock}), "1 0 0 1 1.035 1 1023");
   // At 1000 a second: 1, 5 and 6 ticks owed; a clock gone back; 64 spent.
   std::string owed;
   for (int ms : {1, 5, 6}) t = TimerAt(0), owed += Frames(t, ms, 1000) + ",";
@@ -80,11 +78,9 @@ TEST(Timer, ShortStallsAreCaughtUpLongOnesForgivenBackwardsResets) {
 }
 
 TEST(Timer, TimeStampsAndElapsedHundredths) {
-  auto fields = [](const TimeStampClass &s) {
-    return (J{+s.Day, +s.Month, s.Year, +s.Hour, +s.Minute, +s.Second, +s.Hundredths, s.ToHundredths()});
-  };
-  EXPECT_EQ((J{fields(RVK_TimeStampAt(1735689599990)), fields(RVK_TimeStampAt(951782400005))}),
-            "31 12 2024 23 59 59 99 8639999 29 2 2000 0 0 0 0 0");
+  TimeStampClass s = RVK_TimeStampAt(1735689599990);
+  EXPECT_EQ((J{+s.Day, +s.Month, s.Year, +s.Hour, +s.Minute, +s.Second, +s.Hundredths, s.ToHundredths()}),
+            "31 12 2024 23 59 59 99 8639999");
   // 45 hundredths either way round elapse and move the stamp.
   std::string steps;
   for (int hundredths : {90, 89, 0, 1}) {
