@@ -8,6 +8,7 @@
 #include "rvk/draw.h"
 #include "rvk/texture.h"
 #include "rvk_xinput.h"
+#include "support/joined.h"
 
 namespace fs = std::filesystem;
 
@@ -198,8 +199,7 @@ TEST(Core, DatafileObjectsStartUpFailureAndRestart) {
   destroy_bitmap(back);
   destroy_font(font);
   // An RVK.dat whose "_font_standard" is a picture: no font, no start.
-  std::ifstream in("RVK.dat", std::ios::binary);
-  std::string data((std::istreambuf_iterator<char>(in)), {});
+  std::string data = FileText("RVK.dat");
   data[data.find("_font_standard") + 13] = 'X';
   data.replace(data.find(std::string("\0\0\0\2up", 6)), 6, std::string("\0\0\0\16_font_standard", 18));
   fs::path dir = Folder("rvk_draw_test_");

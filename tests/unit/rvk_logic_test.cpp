@@ -16,12 +16,7 @@
 #include "rvk/slider.h"
 #include "rvk/textfield.h"
 #include "rvk/toolbar.h"
-
-static std::string Read(const char *path) {
-  std::stringstream s;
-  s << std::ifstream(path).rdbuf();
-  return s.str();
-}
+#include "support/joined.h"
 
 class Logic : public testing::Test {
 protected:
@@ -134,7 +129,7 @@ TEST_F(Logic, ConsoleAndLogs) {
   ConsoleLogOn = false;
   RVK_Message("unseen");
   std::string dated = "[0-3][0-9]/[01][0-9]/20[0-9]{2} - [0-2][0-9]:[0-5][0-9]:[0-6][0-9]: ";
-  EXPECT_TRUE(std::regex_match(Read("rvk_messages.txt"), std::regex(dated + "hat at 100%\n")));
+  EXPECT_TRUE(std::regex_match(FileText("rvk_messages.txt"), std::regex(dated + "hat at 100%\n")));
   std::fclose(ConsoleLogFile);
   std::remove("rvk_messages.txt");
   ConsoleLogOn = true;
@@ -147,7 +142,7 @@ TEST_F(Logic, ConsoleAndLogs) {
   RVK_LogError("texture %d of %s at 100%%", 3, "hat");
   RVK_LogError("%s", std::string(400, 'x').c_str());
   std::string date = "[A-Z][a-z]{2} [A-Z][a-z]{2} [ 0-3][0-9] [0-2][0-9]:[0-5][0-9]:[0-6][0-9] [0-9]{4}\n";
-  EXPECT_TRUE(std::regex_match(Read("RVK Error Log.txt"), std::regex(date + ">texture 3 of hat at 100%\n\n" + date + ">" +
+  EXPECT_TRUE(std::regex_match(FileText("RVK Error Log.txt"), std::regex(date + ">texture 3 of hat at 100%\n\n" + date + ">" +
                                                                      std::string(255, 'x') + "\n\n")));
   EXPECT_TRUE(RVK_HasLoggedError());
 }
@@ -245,7 +240,7 @@ TEST_F(Logic, ListBoxWrapRowsFilesScrollingAndBars) {
   list.Clear();
   EXPECT_EQ((J{rows, list.LoadFromTextFile("rvk_text.txt"), list.LoadFromTextFile("no\\such.txt"), list.GetCount()}),
             "first|second| |third\rx\r| 0 0 0");
-  EXPECT_TRUE(std::regex_search(Read("RVK Error Log.txt"),
+  EXPECT_TRUE(std::regex_search(FileText("RVK Error Log.txt"),
                                 std::regex(">ListBoxClass::LoadFromTextFile: Unable to allocate 1099511627777 bytes for file "
                                            "buffer\n\n.*\n>RVK_LoadFileToListBox: The file \"no\\\\such.txt\" could not be "
                                            "opened as \"r\".\n")));
