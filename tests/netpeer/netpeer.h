@@ -11,7 +11,7 @@
 
 typedef std::vector<uint8_t> Bytes;
 
-// A packet as on the wire: its type byte, 16-bit fields, maybe a text, a zero.
+// A wire packet: its type, 16-bit fields, a text maybe, a zero.
 inline Bytes Pkt(uint8_t type, std::initializer_list<int> shorts = {}, const char *text = nullptr) {
   Bytes b{type};
   auto put = [&](int v) { b.insert(b.end(), {(uint8_t)v, (uint8_t)(v >> 8)}); };
@@ -38,7 +38,7 @@ inline bool PumpUntil(const std::function<void()> &step, const std::function<boo
   return done();
 }
 
-// A client of a server on 127.0.0.1, or a server there, keeping what arrives.
+// A client or a server on 127.0.0.1, keeping what arrives.
 class TestHost {
 public:
   ENetHost *Host = nullptr;
@@ -60,7 +60,6 @@ public:
     Host = enet_host_create(server ? &address : nullptr, server ? 8 : 1, 2, 0, 0);
     return Host && (server || (Peer = enet_host_connect(Host, &address, 2, 0)));
   }
-  bool StartClient(uint16_t port) { return Start(port, false); }
   bool Connected() const { return ConnectTime > 0; }
   void Service(int wait = 0) {
     for (ENetEvent e; enet_host_service(Host, &e, (enet_uint32)wait) > 0; wait = 0) {
