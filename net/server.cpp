@@ -51,7 +51,7 @@ void NET_RemovePlayer(int number) {
   game.DeletePlayer(number);
   if (game.Mode != GAME_MODE_SERVER) return;
   // The local record is never deleted; it has no peer to let go of either.
-  if (game.GetPlayerCount() == countBefore || number < 1 || number >= MAX_PLAYERS) return;
+  if (game.GetPlayerCount() == countBefore) return;
   ENetPeer *peer = ClientPeers[number];
   if (peer) {
     enet_peer_reset(peer);

@@ -96,17 +96,17 @@ TEST(DialogTest, PortsAreRefusedInABoxUntilMended) {
   // The connect dialog's port too, left by Esc.
   Config.RemoteServerPort = "0";
   EXPECT_FALSE(Driven([] { When(&Shot::Connect), Refused(), Key("Escape"); }, ConnectGameDialog));
-  // Nobody listens on port 0 here: the first screen turns until Esc.
+  // Port 0: the first screen turns until Esc.
   Config.RemoteServerAddress = "127.0.0.1";
   EXPECT_FALSE(Driven([] { Key("Escape"); }, NET_ConnectToServer) || NetworkInitialised);
 
   uint16_t port;
-  for (const char *bad : {"0", "65536", "8:"}) EXPECT_FALSE(NET_ParsePort(bad, port)) << bad;
-  for (const char *good : {"9", "65535"}) EXPECT_TRUE(NET_ParsePort(good, port) && port == std::atoi(good)) << good;
+  for (const char *bad : {"0", "65536", "8:"}) EXPECT_FALSE(NET_ParsePort(bad, port));
+  for (const char *good : {"9", "65535"}) EXPECT_TRUE(NET_ParsePort(good, port) && port == std::atoi(good));
 }
 
-// Serves one client from a thread: the first `Release` packets of its script
-// go out (an empty one hangs up).
+// Sends one client the first `Release` packets of its script from a thread
+// (an empty one hangs up).
 class FakeServer {
 public:
   TestHost Host;
@@ -152,7 +152,7 @@ TEST(ConnectTest, NumberedJoinADifferentVersionAndTheEnd) {
                     5);
   ASSERT_TRUE(Driven([] {}, NET_ConnectToServer));
   EXPECT_EQ(Game.LocalPlayer, &Game.Players[1]);
-  EXPECT_TRUE(PumpUntil([] { PollFor(22); }, [] { return Game.Players[0].EyesNumber == 2; }, 5000));
+  EXPECT_TRUE(PumpUntil([] { EXPECT_TRUE(PollFor(22)); }, [] { return Game.Players[0].EyesNumber == 2; }, 5000));
   EXPECT_EQ(Console.Said(), (Texts{"NET_InitNetwork: Network initialised.",
                                    "Connection to 127.0.0.1:" + Config.RemoteServerPort + " established",
                                    "Ignored unexpected packet (type 51)", "Ignored unexpected packet (type 21)",
