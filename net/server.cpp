@@ -1,6 +1,7 @@
 // The server's event pump: a client joins and gets the join sequence, its
 // packets are applied and relayed to the others, a client leaves.
 #include "net/server.h"
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -58,7 +59,8 @@ void NET_RemovePlayer(int number) {
     std::free(peer->data);
     peer->data = nullptr;
   }
-  for (int i = number; i < MAX_PLAYERS - 1; i++) ClientPeers[i] = ClientPeers[i + 1];
+  // The records behind it move down one number, and their peers with them.
+  std::copy(ClientPeers + number + 1, ClientPeers + MAX_PLAYERS, ClientPeers + number);
   ClientPeers[MAX_PLAYERS - 1] = nullptr;
   NP_SendPacket(NP_TO_ALL, NP_UPDATE_QUIT, "%d", id);
 }

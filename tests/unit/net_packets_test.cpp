@@ -142,7 +142,7 @@ TEST_F(ClientTest, AppliesTheServersWordToThePlayerOfTheId) {
                                     "Recieved ping reply from server",
                                     "Client and server versions match (Tumblekin v1.0)"}));
 
-  // Indices and counts from the server stay inside the roster.
+  // Indices and counts past the roster are ignored.
   for (const Bytes &b : {Pkt(18, {4, 9}), Pkt(19, {3, 11}),
                          Pkt(19, {0, 1}), Pkt(19, {-1, 12}),
                          Pkt(19, {4, 12}),

@@ -1,4 +1,4 @@
-// The game's own server, polled here, with test clients on 127.0.0.1.
+// The game's server with test clients on 127.0.0.1.
 #include <gtest/gtest.h>
 #include <deque>
 #include "app/config.h"
@@ -9,10 +9,6 @@
 #include "net/server.h"
 #include "netpeer/netpeer.h"
 
-// ENet's blocks not freed yet.
-int Held = 0;
-ENetCallbacks Counted{[](size_t n) { return ++Held, malloc(n); }, [](void *p) { Held -= !!p, free(p); }, nullptr};
-
 class ServerTest : public testing::Test {
 protected:
   ConsoleCapture Console;
@@ -20,7 +16,7 @@ protected:
   uint16_t Port = 0;
 
   void SetUp() override {
-    enet_initialize_with_callbacks(ENET_VERSION, &Counted);
+    CountEnetBlocks();
     Port = TestPort(20);
     Game.Characters.resize(3);
     Game.Eyes.resize(4);
@@ -82,7 +78,7 @@ TEST_F(ServerTest, JoinReportsRelaysAndLeaving) {
   EXPECT_EQ(Console.Said(), (Texts{"NET_InitNetwork: Network initialised.", "Server started on port " +
                                    std::to_string(Port), "Accepted new client connection",
                                    "A new client connected from 100007f:" + a.LocalPort()}));
-  // A name goes back to its sender too, a part not; a Ping is answered.
+  // A name goes back to its sender too, a part not; Ping gets Pong.
   for (const Bytes &p : {Pkt(1, {}, "Al\r 100%"), Pkt(3, {3}), Pkt(50)}) a.Send(p);
   const int white = makecol(255, 255, 255);
   EXPECT_EQ(Next(a, 18, 3),
