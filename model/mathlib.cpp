@@ -60,7 +60,8 @@ void ConcatTransforms(const float (&first)[3][4], const float (&second)[3][4], f
 }
 
 // Spherical interpolation from p to q along the shorter way; q is negated in
-// place when that way goes through -q.
+// place when that way goes through -q. Rotations made by AngleQuaternion are
+// unit quaternions, so taken the shorter way they are never opposite.
 void QuaternionSlerp(const float (&p)[4], float (&q)[4], float t, float (&out)[4]) {
   float a = 0, b = 0;
   for (int i = 0; i < 4; i++) {
@@ -72,26 +73,14 @@ void QuaternionSlerp(const float (&p)[4], float (&q)[4], float t, float (&out)[4
   }
 
   float cosom = p[0] * q[0] + p[1] * q[1] + p[2] * q[2] + p[3] * q[3];
-  float sp, sq;
-  if (1.0 + cosom > 1e-8) {
-    if (1.0 - cosom > 1e-8) {
-      double omega = std::acos(static_cast<double>(cosom));
-      double sinom = std::sin(omega);
-      sp = static_cast<float>(std::sin((1.0 - t) * omega) / sinom);
-      sq = static_cast<float>(std::sin(t * omega) / sinom);
-    } else {
-      sp = 1.0f - t;
-      sq = t;
-    }
-    for (int i = 0; i < 4; i++) out[i] = sp * p[i] + sq * q[i];
-  } else {
-    // Opposite rotations: turn through a quaternion at right angles to p.
-    out[0] = -p[1];
-    out[1] = p[0];
-    out[2] = -p[3];
-    out[3] = p[2];
-    sp = static_cast<float>(std::sin((1.0 - t) * 0.5 * M_PI));
-    sq = static_cast<float>(std::sin(t * 0.5 * M_PI));
-    for (int i = 0; i < 3; i++) out[i] = sp * p[i] + sq * out[i];
+  // Rotations this close are mixed in a straight line: the sine of the angle
+  // between them would vanish.
+  float sp = 1.0f - t, sq = t;
+  if (1.0 - cosom > 1e-8) {
+    double omega = std::acos(static_cast<double>(cosom));
+    double sinom = std::sin(omega);
+    sp = static_cast<float>(std::sin((1.0 - t) * omega) / sinom);
+    sq = static_cast<float>(std::sin(t * omega) / sinom);
   }
+  for (int i = 0; i < 4; i++) out[i] = sp * p[i] + sq * q[i];
 }
