@@ -1,5 +1,4 @@
-// Any bytes as a model file load or are refused without fault; a loaded
-// model centres, poses and skins without fault.
+// Any bytes load or are refused; a loaded model centres, poses and skins.
 #include <unistd.h>
 
 #include <cstdio>

@@ -13,7 +13,7 @@ using namespace std;
 namespace {
 
 void ExpectNear(const float *got, const vector<double> &want, double tol = 1e-5) {
-  for (size_t i = 0; i < want.size(); i++) EXPECT_NEAR(got[i], want[i], tol) << "element " << i;
+  for (size_t i = 0; i < want.size(); i++) EXPECT_NEAR(got[i], want[i], tol) << i;
 }
 
 msJoint Joint(const char *name, const char *parent, vector<msKeyframe> positionKeys = {},
@@ -40,20 +40,15 @@ vector<float> Skinned(const msModel &m, const msVertex &v, const float (&normal)
 TEST(ModelMaths, Slerp) {
   using Quat = array<float, 4>;
   auto x = [](double angle) { return Quat{float(sin(angle / 2)), 0, 0, float(cos(angle / 2))}; };
-  const Quat p = x(0.4), q = x(1), far = x(-1.85), big = {1e20f, 2, 3, 4}, against = {-1e20f, 1e20f, 0, 0};
-  const float c = sin(0.375 * M_PI), s = sin(0.125 * M_PI);
+  const Quat none = x(0), far = x(-1.85);
   const struct {
     Quat P, Q;
     float T;
     Quat Out, QAfter;
   } cases[] = {
-      {p, q, 0.3f, x(0.58), q},
-      // The longer way round: q is negated in place.
+      // Equal: a straight line. The longer way round: q is negated.
+      {none, none, 0.3f, none, none},
       {x(2.24), far, 0.5f, x(3.33659265), {-far[0], 0, 0, -far[3]}},
-      // Both distances overflow, q stays; opposite: p turns through
-      // (-p.y, p.x, -p.w, p.z), whose fourth element stays.
-      {big, against, 1, {-2, 1e20f, -4, 3}, against},
-      {big, against, 0.25f, {c * 1e20f, s * 1e20f, 3 * c - 4 * s, 3}, against},
   };
   auto f = [](auto &a) -> float(&)[4] { return *reinterpret_cast<float(*)[4]>(a.data()); };
   for (auto c : cases) {
@@ -77,7 +72,7 @@ TEST(ModelSkeleton, Tangents) {
   ASSERT_EQ(got.size(), 32u);
   ExpectNear(got.data(), {14.5, -29, -4.5, 9, -18. / 29, 171. / 29, -40. / 29, 380. / 29, 160. / 9, -20. / 9,
                           -232. / 9, 29. / 9, 0, 0, -3, 1, 0, 0, 0, 0, 1, -1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
-  // No pair of keys spans 5, not below the last key's time.
+  // No pair spans 5, not below the last key.
   m.SetFrame(5);
   EXPECT_EQ(m.Joints[1].Local[0][3], 4);
 }
@@ -94,11 +89,11 @@ TEST(ModelSkeleton, SkinnedByTheKeys) {
   // Worked out apart from the program.
   const pair<float, vector<double>> frames[] = {
       {-1, {2, 1, -1, 0.36, 0.48, 0.8}},
-      {0, {4.50041, -0.241393, 0.381957, 0.36, 0.48, 0.8}},
-      {4, {3.67645, 2.27442, 2.35656, 0.457806, 0.52581, 0.603429}},
-      {10, {4.15369, 9.40924, 7.75302, 0.43583, 0.00516968, 0.292227}},
-      {25, {-15.8468, 6.11831, 4.93092, 0.43583, 0.00516968, 0.292227}},
-      {30, {-18.0708, 7.8663, 5.83137, 0.43583, 0.00516968, 0.292227}},
+      {0, {4.50041, -0.24139, 0.38196, 0.36, 0.48, 0.8}},
+      {4, {3.67645, 2.27442, 2.35656, 0.45781, 0.52581, 0.60343}},
+      {10, {4.15369, 9.40924, 7.75302, 0.43583, 0.00517, 0.29223}},
+      {25, {-15.8468, 6.11831, 4.93092, 0.43583, 0.00517, 0.29223}},
+      {30, {-18.0708, 7.8663, 5.83137, 0.43583, 0.00517, 0.29223}},
   };
   for (const auto &[frame, want] : frames) {
     m.SetFrame(frame);
@@ -108,11 +103,11 @@ TEST(ModelSkeleton, SkinnedByTheKeys) {
 
 TEST(ModelSkeleton, BonesAndWeights) {
   msModel m;
-  // Shifts by 10 along x, none (no keys), along z (its own parent: a root).
+  // Shifts by 10 along x, none, along z (its own parent: a root).
   m.Joints = {Joint("a", "", {{0, {10, 0, 0}}}), Joint("b", ""), Joint("s", "s", {{0, {0, 0, 10}}})};
   m.SetupJoints();
   m.SetFrame(0);
-  // Bone and weight bytes, the four weights, where (1, 1, 1) goes.
+  // Bone and weight bytes, the weights, where (1, 1, 1) goes.
   const struct {
     int8_t BoneId, BoneIds[3];
     uint8_t Weights[3];
@@ -150,6 +145,4 @@ TEST(ModelSkeleton, Centring) {
     got.insert(got.end(), v, v + 3);
   ExpectNear(got.data(), {10, 7, 2, 5, 3.5, 1, -5, 0.5, -1, -5, -3.5, -1, 5, 3.5, 1, 5, -3.5, 1, -4, 1.5, 0, 1, 1, 1, -4, 1.5, 0},
              0);
-  msModel empty;
-  ExpectNear(CentreModel(empty).CentreOffset, {0, 0, 0}, 0);
 }
