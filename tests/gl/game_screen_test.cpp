@@ -88,15 +88,12 @@ void WriteTga(const string &path, int grey) {
   destroy_bitmap(bmp);
 }
 
-const string DIRS[9] = {"characters", "eyes", "ears", "noses", "mouths", "eyebrows", "moustaches", "feet", "hats"};
-
 string Entry(int cat, int n, const string &more = "", const string &model = "a.ms3d") {
-  const string section[9] = {"character", "eyes", "ears", "nose", "mouth", "eyebrows", "moustache", "feet", "hat"};
-  return "[" + section[cat] + to_string(n) + "]\n" + more + "LeftModel = " + model + "\nRightModel = " + model +
-         "\nmodel = " + model + "\nthumb = a.tga\n";
+  return "[" + CatalogueSection(CATALOGUES[cat], n) + "]\n" + more + "LeftModel = " + model + "\nRightModel = " +
+         model + "\nmodel = " + model + "\nthumb = a.tga\n";
 }
 void Catalogue(int cat, int count, const string &entries) {
-  ofstream("data/" + DIRS[cat] + ".ini") << "[info]\ncount = " << count << "\n" << entries;
+  ofstream(RVK_NativePath(CATALOGUES[cat].File)) << "[info]\ncount = " << count << "\n" << entries;
 }
 void Mend() {
   WriteTga("data/menuback.tga", 10);
@@ -123,10 +120,11 @@ protected:
     mkdir("data", 0755);
     for (string file : {"Tumblekin.dat", "RVK.dat", "Tumblekin.txt", "tumblekin", "data/sounds"})
       symlink((TK_GAME_DIR "/" + file).c_str(), file.c_str());
-    for (const string &d : DIRS) {
-      mkdir(("data/" + d).c_str(), 0755);
-      WriteSquare("data/" + d + "/a.ms3d", d == "characters" ? 40 : 10, true);
-      WriteTga("data/" + d + "/a.tga", 40);
+    for (const CatalogueInfo &c : CATALOGUES) {
+      string dir = RVK_NativePath(c.Directory);
+      mkdir(dir.c_str(), 0755);
+      WriteSquare(dir + "a.ms3d", c.NoneText ? 10 : 40, true);
+      WriteTga(dir + "a.tga", 40);
     }
     WriteSquare("data/hats/h.ms3d", 10, false);
     ConsoleLogFile = fopen("console.log", "w");
@@ -137,7 +135,7 @@ protected:
   static bool Said(const string &line) { return FileText("console.log").find(": " + line + "\n") != string::npos; }
 };
 
-TEST_F(Screen, CataloguesTakeTheirKeysAndStopAtTheirFirstBrokenEntry) {
+TEST_F(Screen, CataloguesStopAtABrokenEntry) {
   Catalogue(0, 2, Entry(0, 0, "scale = 2.5\nCameraX = 1\nCameraY = 2\nHatZ = 3\n") + Entry(0, 1));
   // eyes1 has no left model: eyes2 is never read.
   Catalogue(1, 3, Entry(1, 0) + "[eyes1]\nRightModel = a.ms3d\n" + Entry(1, 2));
@@ -163,7 +161,7 @@ TEST_F(Screen, CataloguesTakeTheirKeysAndStopAtTheirFirstBrokenEntry) {
   EXPECT_FALSE(G.CharacterSample);
 }
 
-TEST_F(Screen, ALoadReleasesWhatItsFailureSaysAndReloadsLeaveNothing) {
+TEST_F(Screen, FailedLoadsReleaseTheirShare) {
   const auto live = LiveNames();
   const int icons = RVK_GetIconCount();
   // Each row rewrites a catalogue (-1 removes a picture, -2 the hats), then
@@ -198,7 +196,7 @@ TEST_F(Screen, ALoadReleasesWhatItsFailureSaysAndReloadsLeaveNothing) {
   EXPECT_TRUE(glIsTexture(RVK_GetDefaultIcon().TextureName));
 }
 
-TEST_F(Screen, LightsTurnsBackgroundAndTheGameFont) {
+TEST_F(Screen, LightsTurnsBackdropAndFont) {
   CameraClass camera;
   camera.Eye[2] = -500;
   ApplyCamera(camera);
@@ -266,7 +264,7 @@ string Draw(PlayerClass &p, const vector<int> &xs, const vector<int> &ys) {
   return drawn + (glIsEnabled(GL_CULL_FACE) && !glIsEnabled(GL_NORMALIZE) && !memcmp(before, after, sizeof before) ? " 1" : " 0");
 }
 
-TEST_F(Screen, DrawPlayerPutsEveryPartOnItsAnchorAndScalesAll) {
+TEST_F(Screen, DrawPlayer) {
   ASSERT_TRUE(LoadGame(G));
   CharacterEntry &body = G.Characters[0];
   HatEntry &hat = G.Hats[0];
@@ -359,7 +357,7 @@ TEST_F(Screen, GameFramesAndGoodbyes) {
   EXPECT_EQ(Str(Said(tried + "20)"), Said(tried + "0)"), !!glIsEnabled(GL_LIGHTING), G.Toolbar.Buttons.size(), G.GetPlayerCount()), "1 1 0 0 0 ");
 }
 
-TEST_F(Screen, MenuAndGamesDrivenByKeysAndClicks) {
+TEST_F(Screen, MenuAndGames) {
   Catalogue(0, 2, Entry(0, 0) + Entry(0, 1));
   ASSERT_TRUE(LoadGame(G));
   TkWindowId();
@@ -427,7 +425,7 @@ int Launch(const string &dir, const string &args, const string &then = "") {
   return stoi(FileText("status"));
 }
 
-TEST_F(Screen, TheProgramKeepsItsSettingsAndEndsOnASignal) {
+TEST_F(Screen, TheProgram) {
   const string ini = "[video]\nwidth = 0\nheight = 99999\nwindow = 7\n\n[sound]\nenabled = 0\n\n[network]\n"
                      "PlayerName = Ann\nRemoteServerAddress = 127.0.0.1\n";
   system("mkdir bare nodata c; ln -s ../Tumblekin.dat ../RVK.dat nodata; ln -s ../Tumblekin.dat ../RVK.dat ../data ../Tumblekin.txt c");
