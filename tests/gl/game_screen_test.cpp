@@ -165,19 +165,20 @@ TEST_F(Screen, FailedLoadsReleaseTheirShare) {
   const auto live = LiveNames();
   const int icons = RVK_GetIconCount();
   // Each row rewrites a catalogue (-1 removes a picture, -2 the hats), then
-  // the text and what stays: pictures, bodies, eyes, noses, all, the answer.
+  // the text and what stays: pictures, bodies, eyes, noses, all, the answer,
+  // the feet.
   const string model = "Unable to load model from data/", bitmap = "Unable to load bitmap from data/";
   const tuple<int, int, string, string, string> rows[] = {
-      {1, 1, Entry(1, 0, "thumb = x.tga\n"), "", "11111111"},
-      {7, 2, Entry(7, 0) + "[feet1]\nLeftModel = a.ms3d\nRightModel = no.ms3d\n", model + "feet/no.ms3d", "11111111"},
-      {0, 2, "[character0]\n" + Entry(0, 1), "No model specified for character0", "11100000"},
-      {0, 1, Entry(0, 0, "", "no.ms3d"), model + "characters/no.ms3d", "11100000"},
-      {3, 0, "", "No noses found in noses.ini", "11111000"},
-      {4, 1, Entry(4, 0, "", "no.ms3d"), model + "mouths/no.ms3d", "00000000"},
-      {-2, 1, "", "No hats found in hats.ini", "11111100"},
-      {-1, 0, "connecting", bitmap + "connecting.tga", "00000000"},
-      {-1, 0, "none", bitmap + "none.tga", "00000000"},
-      {-1, 0, "menuback", bitmap + "menuback.tga", "00000000"},
+      {1, 1, Entry(1, 0, "thumb = x.tga\n"), "", "111111111"},
+      {7, 2, Entry(7, 0) + "[feet1]\nLeftModel = a.ms3d\nRightModel = no.ms3d\n", model + "feet/no.ms3d", "111111111"},
+      {0, 2, "[character0]\n" + Entry(0, 1), "No model specified for character0", "111000000"},
+      {0, 1, Entry(0, 0, "", "no.ms3d"), model + "characters/no.ms3d", "111000000"},
+      {3, 0, "", "No noses found in noses.ini", "111110000"},
+      {4, 1, Entry(4, 0, "", "no.ms3d"), model + "mouths/no.ms3d", "000000000"},
+      {-2, 1, "", "No hats found in hats.ini", "111111001"},
+      {-1, 0, "connecting", bitmap + "connecting.tga", "000000000"},
+      {-1, 0, "none", bitmap + "none.tga", "000000000"},
+      {-1, 0, "menuback", bitmap + "menuback.tga", "000000000"},
   };
   for (const auto &[cat, count, text, error, kept] : rows) {
     cat >= 0 ? Catalogue(cat, count, text) : (void)unlink(("data/" + (cat < -1 ? "hats.ini" : text + ".tga")).c_str());
@@ -187,6 +188,7 @@ TEST_F(Screen, FailedLoadsReleaseTheirShare) {
     for (bool b : {G.MenuBackTexture.Loaded, G.NoneTexture.Loaded, G.ConnectingTexture.Loaded,
                    !G.Characters.empty(), !G.Eyes.empty(), !G.Noses.empty(), CataloguesLoaded(G), loaded})
       now += b ? "1" : "0";
+    now += to_string(G.Feet.size());
     EXPECT_EQ(G.LoadError + " " + kept, now);
     UnloadGame(G);
     EXPECT_TRUE(LiveNames() == live && RVK_GetIconCount() == icons);
@@ -216,15 +218,15 @@ TEST_F(Screen, LightsTurnsBackdropAndFont) {
   DisableLights();
   EXPECT_FALSE(glIsEnabled(GL_LIGHT0) || glIsEnabled(GL_LIGHT1) || glIsEnabled(GL_LIGHTING));
   // Where X and Y go in a quarter turn by the idle yaw or a view angle.
-  const pair<vector<float>, string> turns[] = {{{90, 0, 0, 0}, "0 0 -1 0 1 0 "}, {{0, 64, 0, 0}, "1 0 0 0 0 1 "},
-                                               {{0, 0, 64, 0}, "0 0 -1 0 1 0 "}, {{0, 0, 0, 64}, "0 1 0 -1 0 0 "}};
-  for (const auto &[angles, axes] : turns) {
+  const struct { float yaw, angles[3]; const char *axes; } turns[] = {
+      {90, {}, "0 0 -1 0 1 0 "}, {0, {64}, "1 0 0 0 0 1 "}, {0, {0, 64}, "0 0 -1 0 1 0 "}, {0, {0, 0, 64}, "0 1 0 -1 0 0 "}};
+  for (const auto &t : turns) {
     glLoadIdentity();
-    RotateScene(angles[0], &angles[1]);
+    RotateScene(t.yaw, t.angles);
     glGetFloatv(GL_MODELVIEW_MATRIX, m);
     s.clear();
     for (int i : {0, 1, 2, 4, 5, 6}) s += Str(std::round(m[i]) + 0);
-    EXPECT_EQ(s, axes);
+    EXPECT_EQ(s, t.axes);
   }
   // Tinted blue at half for dialogs.
   ASSERT_TRUE(LoadGame(G));
