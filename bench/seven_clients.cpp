@@ -42,7 +42,7 @@ int main(int argc, char **argv) {
     clients.emplace_back(new TestHost);
     TestHost &c = *clients.back();
     // One at a time, as players join: the server answers each join in turn.
-    if (!c.StartClient(port) || !PumpUntil([&] { c.Service(1); }, [&] { return Joined(c); }, 10000)) {
+    if (!c.Start(port, false) || !PumpUntil([&] { c.Service(1); }, [&] { return Joined(c); }, 10000)) {
       std::fprintf(stderr, "seven_clients: client %d did not join the server on port %u\n", k, port);
       return 1;
     }

@@ -4,7 +4,8 @@
 
 #include <cmath>
 
-// Rz(a2) Ry(a1) Rx(a0) for column vectors, with a zero translation column.
+// Rz(a2) Ry(a1) Rx(a0) for column vectors, in the rotation block only; the
+// caller owns the translation column.
 void AngleMatrix(const float (&angles)[3], float (&matrix)[3][4]) {
   double sx = std::sin(static_cast<double>(angles[0])), cx = std::cos(static_cast<double>(angles[0]));
   double sy = std::sin(static_cast<double>(angles[1])), cy = std::cos(static_cast<double>(angles[1]));
@@ -12,15 +13,12 @@ void AngleMatrix(const float (&angles)[3], float (&matrix)[3][4]) {
   matrix[0][0] = static_cast<float>(cy * cz);
   matrix[0][1] = static_cast<float>(sx * sy * cz - cx * sz);
   matrix[0][2] = static_cast<float>(cx * sy * cz + sx * sz);
-  matrix[0][3] = 0.0f;
   matrix[1][0] = static_cast<float>(cy * sz);
   matrix[1][1] = static_cast<float>(sx * sy * sz + cx * cz);
   matrix[1][2] = static_cast<float>(cx * sy * sz - sx * cz);
-  matrix[1][3] = 0.0f;
   matrix[2][0] = static_cast<float>(-sy);
   matrix[2][1] = static_cast<float>(sx * cy);
   matrix[2][2] = static_cast<float>(cx * cy);
-  matrix[2][3] = 0.0f;
 }
 
 // The same rotation as AngleMatrix, as a quaternion (x, y, z, w).

@@ -36,14 +36,9 @@ bool ModelClass::Load(const char *path) {
     return false;
   }
   Centre();
-  if (!Model->Joints.empty()) {
-    Animated = true;
-    Model->SetupJoints();
-    Model->SetFrame(-1.0f);
-  } else {
-    Animated = false;
-    Model->SetFrame(0.0f);
-  }
+  // BuildLists poses the model for each list it compiles.
+  Animated = !Model->Joints.empty();
+  Model->SetupJoints();
   BuildLists();
   Loaded = true;
   return true;

@@ -1,7 +1,5 @@
 // Any bytes through the packet parser into a dispatch: the first byte picks
 // the server's or the client's and the sender, the rest is the packet.
-
-// Compiled in: the libraries of a fuzz build carry no coverage.
 #include "net/client.cpp"
 #include "net/netstate.cpp"
 #include "net/packets.cpp"

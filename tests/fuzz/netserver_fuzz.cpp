@@ -1,8 +1,6 @@
-// Connects, packets and disconnects of nine peers, as ENet gives them, to the
-// server, its peer table checked after each. A byte picks the event and the
-// peer; a packet's length and bytes follow.
-
-// Compiled in: the libraries of a fuzz build carry no coverage.
+// Nine peers' connects, packets and disconnects, as ENet gives them, to the
+// server, its peer table checked after each: a byte picks event and peer, a
+// packet's length and bytes follow.
 #include "net/netstate.cpp"
 #include "net/packets.cpp"
 #include "net/send.cpp"

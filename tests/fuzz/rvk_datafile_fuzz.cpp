@@ -1,11 +1,10 @@
-// Feeds arbitrary bytes to the datafile check, and what it accepts to
-// Allegro's loader, whole and by name, as the library reads its datafiles.
+// Any bytes to the datafile check, and what it passes to Allegro's loader.
 #include <allegro.h>
 #include <sys/mman.h>
 #include <unistd.h>
 #include <cstdint>
 #include <cstdio>
-// Compiled into the harness so that libFuzzer sees the check's branches.
+// Compiled in, so that libFuzzer sees its branches.
 #include "rvk/datafile.cpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {

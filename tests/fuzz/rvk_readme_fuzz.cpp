@@ -1,13 +1,11 @@
-// Feeds arbitrary bytes to the list box as the text viewer feeds it the
-// readme: read from a file, wrapped to a width (the first byte) and fitted
-// with scroll bars.
+// Any bytes as a readme file in the list box, at a width from the first byte.
 #include <allegro.h>
 #include <sys/mman.h>
 #include <unistd.h>
 #include <cstdint>
 #include <cstdio>
 #include "rvk/core.h"
-// Compiled into the harness so that libFuzzer sees the list's branches.
+// Compiled in, so that libFuzzer sees its branches.
 #include "rvk/listbox.cpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {

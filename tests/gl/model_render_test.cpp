@@ -20,36 +20,16 @@ namespace {
 const TkPixel kBlack{0, 0, 0}, kWhite{255, 255, 255}, kRed{200, 40, 40}, kBlue{30, 60, 220};
 const string kDir = "/tmp/model_render_" + to_string(getpid());
 
-// A triangle facing +z about (x, y, 0), a unit wide and high.
-void AddPatch(MS3DWriter &w, float x, float y, int8_t material) {
-  const float corners[3][2] = {{-0.5f, -0.5f}, {0.5f, -0.5f}, {0, 0.5f}};
-  w.Groups.push_back({0, {}, {uint16_t(w.Triangles.size())}, material, {}});
-  msTriangle &t = w.Triangles.emplace_back();
-  for (int c = 0; c < 3; c++) {
-    t.VertexIndices[c] = uint16_t(w.Vertices.size());
-    t.VertexNormals[c][2] = 1;
-    w.Vertices.push_back({0, {x + corners[c][0], y + corners[c][1], 0}, 0});
-  }
-}
-
-// A unit square facing +z, centred on (x, y, 0), in a group of its own.
-void AddSquare(MS3DWriter &w, float x, float y, int8_t material) {
-  uint16_t base = uint16_t(w.Vertices.size());
-  const float corners[4][2] = {{-0.5f, -0.5f}, {0.5f, -0.5f}, {0.5f, 0.5f}, {-0.5f, 0.5f}};
-  for (const auto &c : corners) w.Vertices.push_back({0, {x + c[0], y + c[1], 0}, 0});
-  msGroup &g = w.Groups.emplace_back();
-  g.MaterialIndex = material;
-  const int halves[2][3] = {{0, 1, 2}, {0, 2, 3}};
-  for (const auto &half : halves) {
-    msTriangle tri;
-    for (int c = 0; c < 3; c++) {
-      tri.VertexIndices[c] = uint16_t(base + half[c]);
-      tri.VertexNormals[c][2] = 1;
-      tri.S[c] = corners[half[c]][0] + 0.5f, tri.T[c] = corners[half[c]][1] + 0.5f;
-    }
-    g.TriangleIndices.push_back(uint16_t(w.Triangles.size()));
-    w.Triangles.push_back(tri);
-  }
+// A unit square facing +z about (x, y, 0), in a group of its own: the
+// corners on the left bound to one joint, those on the right to another,
+// first weight as given.
+void AddSquare(MS3DWriter &w, float x, float y, int8_t material, int8_t left = -1, int8_t right = -1,
+               uint8_t weight = 0) {
+  const uint16_t v = uint16_t(w.Vertices.size()), t = uint16_t(w.Triangles.size());
+  for (int c = 0; c < 4; c++)
+    w.Vertices.push_back({0, {x + (c % 3 ? .5f : -.5f), y + (c > 1 ? .5f : -.5f), 0}, c % 3 ? right : left, 0, {}, {weight}});
+  w.Groups.push_back({0, {}, {t, uint16_t(t + 1)}, material, {}});
+  for (int s : {0, 1}) w.Triangles.push_back({0, {v, uint16_t(v + 1 + s), uint16_t(v + 2 + s)}, {{0, 0, 1}, {0, 0, 1}, {0, 0, 1}}});
 }
 
 bool Load(ModelClass &model, const MS3DWriter &w) {
@@ -84,23 +64,46 @@ float Get(GLenum what) {
 TEST(ModelRender, FramesAndClock) {
   mkdir(kDir.c_str(), 0700);
   const tuple<float, int, int> rules[] = {{0, 60, 0},   {0.5f, 60, 1},    {29.9f, 60, 59},
-                                               {30, 60, -1}, {-0.01f, 60, -1}, {NAN, 60, -1}, {0, 0, -1}};
+                                          {30, 60, -1}, {-0.01f, 60, -1}, {NAN, 60, -1}, {0, 0, -1}};
   for (auto [frame, lists, list] : rules) EXPECT_EQ(FrameList(frame, lists), list) << frame;
 
-  // A patch sliding from x = -2 at frame 0 to 2 at frame 29.
+  // A joint sliding from x = -2 at frame 0 to 2 at frame 29, one turning a
+  // quarter about (-3, -2.5), bound a quarter turned. Above, two still
+  // squares and one that the slide carries with half the weight, so it
+  // shrinks towards the origin; in the middle, one that the slide carries
+  // whole; below, one stretched between a still side and a sliding side,
+  // one that the turn carries, a still one.
   MS3DWriter w;
-  AddPatch(w, 0, 0, -1);
   w.AnimationFps = 8;
-  w.Joints.emplace_back().PositionKeys = {{0, {-2, 0, 0}}, {29.0f / 8, {2, 0, 0}}};
+  w.Joints.resize(2);
+  w.Joints[0].PositionKeys = {{0, {-2, 0, 0}}, {29.0f / 8, {2, 0, 0}}};
+  // Named apart: an empty parent name would find a joint named "".
+  strcpy(w.Joints[0].Name, "slide");
+  msJoint &turn = w.Joints[1];
+  const float quarter = 1.5707964f;
+  turn.Position[0] = -3, turn.Position[1] = -2.5f, turn.Rotation[2] = quarter;
+  turn.RotationKeys = {{0, {0, 0, 0}}, {29.0f / 8, {0, 0, quarter}}};
+  const struct {
+    float X, Y;
+    int8_t Left, Right;
+    uint8_t Weight;
+  } squares[] = {{-3, 2, -1, -1, 0}, {3, 2, -1, -1, 0}, {0, 2, 0, 0, 50}, {0, 0, 0, 0, 0},
+                 {0, -2, -1, 0, 0},  {-3, -2, 1, 1, 0}, {3, -2, -1, -1, 0}};
+  for (const auto &q : squares) AddSquare(w, q.X, q.Y, -1, q.Left, q.Right, q.Weight);
   ModelClass model;
   ASSERT_TRUE(Load(model, w));
   EXPECT_EQ(make_tuple(model.Animated, model.ListCount(), model.CurrentFrame, model.Model->CurrentTime),
             make_tuple(true, 60, 0.0f, 0.0f));
-  for (float frame : {0.0f, 29.9f}) {
+  // Both lists of a frame draw it; still groups and those carried whole are
+  // drawn from four shared lists.
+  for (float frame : {0.0f, 0.5f, 29.0f, 29.9f}) {
     model.CurrentFrame = frame;
     BeginScene(false);
-    model.Draw(0, 1, 0, 0, 0, 0);
-    ExpectPixels({{frame ? 2.0f : -2.0f, 1, kWhite}, {frame ? -2.0f : 2.0f, 1, kBlack}});
+    model.Draw(0, 0, 0, 0, 0, 0);
+    const float x = frame > 1 ? 2 : -2;
+    ExpectPixels({{-3, 2, kWhite}, {3, 2, kWhite}, {3, -2, kWhite}, {x, 0, kWhite}, {-x, 0, kBlack},
+                  {x > 0 ? 1.5f : -1, -2, kWhite}, {x > 0 ? -1 : 1.5f, -2, kBlack}, {-3, -1.8f, x > 0 ? kBlack : kWhite},
+                  {-3.6f, -2.4f, x > 0 ? kWhite : kBlack}, {x / 2, 1, kWhite}, {-x / 2, 1, kBlack}});
   }
   // 500 ms at 8 fps is 4 frames; passing 30 drops back to 0.
   for (auto [from, ms, to] : {make_tuple(2.0f, 500, 6.0f), make_tuple(29.0f, 2000, 0.0f)}) {
@@ -110,17 +113,18 @@ TEST(ModelRender, FramesAndClock) {
     EXPECT_NEAR(model.CurrentFrame, to, 0.05f);
   }
   GLuint base = model.ListBase;
+  EXPECT_TRUE(glIsList(base + 63));
   model.Unload();
-  EXPECT_EQ(make_tuple(model.Loaded, model.Model, glIsList(base), glIsList(base + 59)),
+  EXPECT_EQ(make_tuple(model.Loaded, model.Model, glIsList(base), glIsList(base + 63)),
             make_tuple(false, nullptr, GLboolean(0), GLboolean(0)));
 
   // No joints: one list, which the clock doesn't move. A triangle past the
   // end and one with a corner past the vertices are left out.
-  w.Joints.clear();
-  w.Triangles.push_back(w.Triangles[0]);
-  w.Triangles[1].VertexIndices[1] = 900;
-  w.Groups[0].TriangleIndices = {77, 1, 0};
-  ASSERT_TRUE(Load(model, w));
+  MS3DWriter one;
+  AddSquare(one, 0, 0, -1);
+  one.Triangles[1].VertexIndices[1] = 900;
+  one.Groups[0].TriangleIndices = {77, 1, 0};
+  ASSERT_TRUE(Load(model, one));
   model.LastClock = ModelClock() - 1000;
   model.UpdateFrame();
   BeginScene(false);
@@ -128,70 +132,15 @@ TEST(ModelRender, FramesAndClock) {
   model.CallFrameList();
   EXPECT_EQ(make_tuple(model.Animated, model.ListCount(), model.CurrentFrame, glIsEnabled(GL_DEPTH_TEST)),
             make_tuple(false, 1, 0.0f, GLboolean(1)));
-  ExpectPixels({{0, 0, kWhite}, {0.6f, 0, kBlack}});
+  ExpectPixels({{0.3f, -0.3f, kWhite}, {-0.3f, 0.3f, kBlack}});
   model.Unload();
-}
-
-// The lists of an animated model share what keeps its shape. Above, two
-// still squares and between them one that the slide carries with half the
-// weight, so it shrinks towards the origin; in the middle, one that the
-// slide carries whole; below, one stretched between a still side and a
-// sliding side, one that a second joint (bound a quarter turned) turns a
-// quarter about its foot, and a still one. Both lists of a frame draw it.
-TEST(ModelRender, SharedListsInEveryFrame) {
-  MS3DWriter w;
-  w.AnimationFps = 8;
-  w.Joints.emplace_back().PositionKeys = {{0, {-2, 0, 0}}, {29.0f / 8, {2, 0, 0}}};
-  const float quarter = 1.5707964f;
-  // Named apart: an empty parent name would find a joint named "".
-  strcpy(w.Joints[0].Name, "slide");
-  msJoint &turn = w.Joints.emplace_back();
-  strcpy(turn.Name, "turn");
-  turn.Position[0] = -3, turn.Position[1] = -2.5f, turn.Rotation[2] = quarter;
-  turn.RotationKeys = {{0, {0, 0, 0}}, {29.0f / 8, {0, 0, quarter}}};
-  const int8_t none = -1, slide = 0, turned = 1;
-  const struct {
-    float X, Y;
-    int8_t Left, Right;
-    uint8_t Weight;
-  } squares[] = {{-3, 2, none, none, 0}, {3, 2, none, none, 0},    {0, 2, slide, slide, 50},   {0, 0, slide, slide, 0},
-                 {0, -2, none, slide, 0}, {-3, -2, turned, turned, 0}, {3, -2, none, none, 0}};
-  for (const auto &q : squares) {
-    AddSquare(w, q.X, q.Y, -1);
-    // AddSquare's corners run lower left, lower right, upper right, upper left.
-    for (int c = 0; c < 4; c++) {
-      msVertex &v = w.Vertices[w.Vertices.size() - 4 + size_t(c)];
-      v.BoneId = c == 1 || c == 2 ? q.Right : q.Left;
-      v.BoneWeights[0] = q.Weight;
-    }
-  }
-  ModelClass model;
-  ASSERT_TRUE(Load(model, w)) << model.Error;
-  EXPECT_EQ(model.ListCount(), 60);
-  for (GLuint list : {0u, 1u, 58u, 59u}) {
-    SCOPED_TRACE(list);
-    BeginScene(false);
-    glCallList(model.ListBase + list);
-    const bool last = list >= 58;
-    const float x = last ? 2.0f : -2.0f;
-    ExpectPixels({{-3, 2, kWhite}, {3, 2, kWhite}, {3, -2, kWhite}, {x, 0, kWhite}, {-x, 0, kBlack},
-                  {last ? 1.5f : -1.0f, -2, kWhite}, {last ? -1.0f : 1.5f, -2, kBlack},
-                  {-3, -1.8f, last ? kBlack : kWhite}, {-3.6f, -2.4f, last ? kWhite : kBlack}, {x / 2, 1, kWhite},
-                  {-x / 2, 1, kBlack}});
-  }
-  // Two runs of still squares and the two carried whole have shared lists,
-  // which go with the others.
-  GLuint base = model.ListBase;
-  EXPECT_TRUE(glIsList(base + 60) && glIsList(base + 63));
-  model.Unload();
-  EXPECT_FALSE(glIsList(base + 60) || glIsList(base + 63));
 }
 
 TEST(ModelRender, TurnsLightAndMaterials) {
-  // Red, blue, green (texture missing), grey (no material) patches; a
+  // Red, blue, green (texture missing), grey (no material) squares; a
   // blended, sphere-mapped material.
   MS3DWriter w;
-  AddPatch(w, 0, 0, 0), AddPatch(w, 2, 0, 1), AddPatch(w, 2, 2, 2), AddPatch(w, 4, 0, 9);
+  AddSquare(w, 0, 0, 0), AddSquare(w, 2, 0, 1), AddSquare(w, 2, 2, 2), AddSquare(w, 4, 0, 9);
   w.Materials.resize(4);
   const char *textures[] = {"red.tga", "sub\\blue.tga", "missing.tga", "sub\\blue.tga"};
   for (int i = 0; i < 4; i++) {
@@ -216,16 +165,17 @@ TEST(ModelRender, TurnsLightAndMaterials) {
   EXPECT_EQ(make_tuple(!m[0].TextureId, !m[1].TextureId, string(m[1].Texture), string(m[2].Texture)),
             make_tuple(false, false, "sub\\blue.tga", ""));
 
-  // Centred, the patches stand at (-2, -1), (0, -1), (0, 1), (2, -1). Turns
-  // about z come first, then x, then y. Lit grey: 0.8 + 0.2 x 0.2.
+  // Centred, the squares stand at (-2, -1), (0, -1), (0, 1), (2, -1), drawn
+  // one to the right. Turns about z come first, then x, then y. Lit grey:
+  // 0.8 + 0.2 x 0.2.
   const tuple<float, float, float, Pixels> draws[] = {
-      {0, 0, 0, {{-2, -1, kRed}, {0, -1, kBlue}, {0, 1, {0, 255, 0}}, {2, -1, {214, 214, 214}}, {-2, 1, kBlack}}},
-      {128, 0, 64, {{1, 2, kRed}, {1, 0, kBlue}}},
-      {0, 128, 64, {{-1, -2, kRed}, {-1, 0, kBlue}}},
+      {0, 0, 0, {{-1, -1, kRed}, {1, -1, kBlue}, {1, 1, {0, 255, 0}}, {3, -1, {214, 214, 214}}, {-1, 1, kBlack}}},
+      {128, 0, 64, {{2, 2, kRed}, {2, 0, kBlue}}},
+      {0, 128, 64, {{0, -2, kRed}, {0, 0, kBlue}}},
   };
   for (auto [rx, ry, rz, pixels] : draws) {
     BeginScene(rx + ry + rz == 0);
-    model.Draw(0, 0, 0, rx, ry, rz);
+    model.Draw(1, 0, 0, rx, ry, rz);
     ExpectPixels(pixels);
   }
 

@@ -1,5 +1,4 @@
-// The widgets in a window, drawn and driven by real X input and by keys put
-// into Allegro's buffer; the message box and the text viewer closed by Enter.
+// The widgets in a window, driven by real X input and by Allegro's key buffer.
 #include <fstream>
 #include "rvk/console.h"
 #include "rvk/draw.h"
@@ -13,7 +12,7 @@
 #include "rvk/toolbar.h"
 #include "rvk_xinput.h"
 
-// A 32 x 32 icon, transparent but for a green 8 x 8 block at (12, 12).
+// A 32 x 32 icon, transparent but for green 8 x 8 at (12, 12).
 static TextureClass Block() {
   if (RVK_FindIcon("block") == 0) {
     BITMAP *b = create_bitmap(32, 32);
@@ -25,7 +24,7 @@ static TextureClass Block() {
   return RVK_GetIcon("block");
 }
 
-// Runs a widget for one frame on black and gives what it answered.
+// One frame on black: the widget's answer.
 template <class Call>
 auto Once(Call call) -> decltype(call()) {
   Frame();
@@ -34,7 +33,6 @@ auto Once(Call call) -> decltype(call()) {
   return answer;
 }
 
-// Presses mouse button 1, lets it go after `pause` seconds, runs the call.
 template <class Call>
 auto Click(Call call, std::string pause = "0.1") -> decltype(call()) {
   Press();
@@ -42,7 +40,6 @@ auto Click(Call call, std::string pause = "0.1") -> decltype(call()) {
   return Once(call);
 }
 
-// Holds Enter down and up again after the pauses given, in the background.
 static void Enter(const char *down, const char *up) {
   TkLater(std::string("sleep ") + down + "; xdotool keydown Return; sleep " + up + "; xdotool keyup Return");
 }
@@ -54,13 +51,11 @@ TEST(Widgets, Buttons) {
   RVK_CreateButtonEx(separator, "", Block(), 400, 100, -1, true);
   text.SetSize(-1, -1);
   auto run = [&] { return separator.Run() || b.Run() || text.Run(); };
-  // At rest; the captioned button raised at alpha 255 x 0.8, its caption.
+  // At rest, then hovered (both far edges count), then disabled.
   Move(300, 300);
   EXPECT_FALSE(Once(run));
   EXPECT_EQ((J{H(98, 116, 38), V(116, 98, 38), Hex(199, 120), H(198, 103, 92), H(236, 116, 10)}),
             "2.12P1?7g13P3. 2.12P1?7g13P3. A9A9A9 1.1?86P1?3. 2P2?6P");
-  // Under the pointer (both far edges count): lifted a pixel, a sunken edge
-  // at alpha 128, the caption and key as tooltip below.
   Move(132, 132);
   EXPECT_FALSE(Once(run));
   EXPECT_EQ((J{H(98, 116, 38), Hex(100, 116), Hex(133, 116), H(120, 172, 60), V(122, 151, 25)}),
@@ -68,9 +63,7 @@ TEST(Widgets, Buttons) {
   b.Enabled = false;
   EXPECT_FALSE(Once(run));
   EXPECT_EQ((J{H(98, 116, 38), Hex(116, 116)}), "2.12P8?13P3. 49C949");
-  // A press fires when it comes up over the button, after the wait; one
-  // that leaves first doesn't, and the wait ends as it leaves; on a
-  // separator or a disabled button a press is nothing.
+  // A press fires as it comes up over the button, not after leaving it.
   Click(run);
   ASSERT_TRUE(TkWaitFor([] { return mouse_b == 0; }));
   b.Enabled = true;
@@ -86,8 +79,7 @@ TEST(Widgets, Buttons) {
   ASSERT_TRUE(TkWaitFor([] { return mouse_b == 0; }));
   Move(403, 116);
   EXPECT_FALSE(Click(run));
-  // A hot key held as the button is made must go up once; then it fires in
-  // the poll after the one that saw it released.
+  // A hot key held as the button is made must go up once first.
   Move(600, 500);
   Key("m", KEY_M, true);
   RVK_CreateButtonEx(b, "Go", Block(), 100, 100, KEY_M, false);
@@ -114,11 +106,9 @@ TEST(Widgets, Toolbar) {
   auto run = [&] { return t.Run(); };
   Move(790, 590);
   EXPECT_EQ(Once(run), -1);
-  // Buttons 36 apart, the separator 10; the status after 36 a button.
   EXPECT_EQ((J{t.Width, H(98, 140, 130), V(150, 98, 70), H(99, 160, 140), H(204, 146, 12)}),
             "104 2.1L13P1?7g28P1?7g2P1?7g35P1D24. 2.1l19T1d16P7?19P1D4. 1.1L102P1D35. 8.4?");
-  // Hovering the strip hints "Drag"; a press takes the toolbar along,
-  // hinting where it is; moved away by its owner, it is lost.
+  // Dragged by the strip; moved away by its owner, it is lost.
   auto hint = [&](int x, int y) { return H(x, y, 90); };
   Move(110, 105);
   Once(run);
@@ -132,7 +122,6 @@ TEST(Widgets, Toolbar) {
   Once(run);
   Press(false);
   EXPECT_EQ((J{t.X, t.Dragging}), "420 0");
-  // A fixed toolbar says so while its strip is pressed.
   t.Fixed = true;
   t.X = 100;
   Press();
@@ -141,12 +130,10 @@ TEST(Widgets, Toolbar) {
   Press(false);
   Once(run);
   EXPECT_EQ((J{fixed, hint(144, 135)}), "1T59?30G 59T1d30.");
-  // Off the screen, pressed against its edge, it slides back.
   t.X = -50;
   Move(0, 130);
   Once(run);
   EXPECT_EQ(t.X, -47);
-  // Two buttons fired in one poll: the lower index answers.
   t.Buttons[0].HotKey = KEY_F9;
   std::string answers;
   for (bool down : {false, true, false, false}) {
@@ -154,8 +141,7 @@ TEST(Widgets, Toolbar) {
     answers += std::to_string(Once(run)) + " ";
   }
   EXPECT_EQ((J{answers, t.Buttons[2].Pressed}), "-1 -1 -1 0  1");
-  // Drop-down: a box of its title until the pointer comes, then the whole
-  // toolbar at home until the pointer leaves.
+  // Drop-down: its title's box until the pointer comes.
   t.DropDown = true;
   t.HomeX = t.HomeY = 200;
   t.X = t.Y = 1000;
@@ -181,7 +167,6 @@ TEST(Widgets, PickerBar) {
   bar.Setup(40, 400, 64);
   bar.Alpha = bar.UpButton.Alpha = bar.DownButton.Alpha = RVK_Opaque;
   bar.BackgroundColour = makecol(0, 0, 255);
-  // The first row from a picture half the thumbnail's size.
   BITMAP *small = create_bitmap(64, 32), *full = create_bitmap(128, 64);
   clear_to_color(small, makecol(255, 0, 0));
   clear_to_color(full, makecol(0, 255, 0));
@@ -197,18 +182,15 @@ TEST(Widgets, PickerBar) {
             "6 2 add: cannot add texture to picker bar because no source bitmap is stored");
   destroy_bitmap(small);
   destroy_bitmap(full);
-  // The frame, Up, the rows 66 apart in the clip (the hovered one framed,
-  // its name beside it), Down.
   auto run = [&] { return bar.Run(); };
   Move(60, 164);
   EXPECT_EQ(Once(run), -1);
   EXPECT_EQ((J{V(60, 38, 365), H(0, 100, 140), H(0, 164, 140)}),
             "2.1L1?7P24?3P1?1P1?15b1?47r2P1Y63g1P1Y64g2P64g23P1?17P3?14P1?1P1D2. 2.1?31b1?95r10. 2.1Y125g1Y1g10G");
-  // A row pressed is picked at the release, also off the bar by then.
+  // Picked at the release, also off the bar.
   Press();
   TkLater("sleep 0.2; " + TkMoveCommand(600, 300) + "; sleep 0.2; xdotool mouseup 1");
   EXPECT_EQ((J{Once(run), mouse_x}), "1 600");
-  // Down twice reaches the last rows, a third changes nothing; Up.
   std::string tops;
   for (int y : {bar.DownButton.Y, bar.DownButton.Y, bar.DownButton.Y, bar.UpButton.Y}) {
     Move(60, y + 10);
@@ -238,15 +220,11 @@ TEST(Widgets, Menu) {
   };
   Move(790, 300);
   EXPECT_EQ(Once(run), -1);
-  // Title bar, bands (the selected one blue), icons, bottom strip with the
-  // selected entry's pulsing icon; the texts at their places.
   EXPECT_EQ((J{V(10, 0, 600), V(16, 0, 160), H(0, 46, 400), V(30, 530, 70)}),
             "8.20m521.50s1. 8.20m3.39n1.39w1.39w10. 15.18n7?18n1W1n4?10n2?259n65. 11.1?14g1?42s1.");
   EXPECT_EQ((J{H(740, 20, 60), H(775, 556, 25), H(775, 572, 25), H(60, 556, 10), H(10, 12, 14), V(18, 6, 12)}),
             "6m2?3m3?2m3?1m3?2m3?32m 4?1s1?1.2?16s 6s2?17s 5s2?3s 7m7? 2.4m2?4m");
-  // Down shows the help, which slides in by 60 a frame to 64; Up at the
-  // first entry takes the last, Down at the last the first; Enter chooses,
-  // Esc answers -2, other keys go back to the buffer.
+  // The help slides in by 60 a frame to 64; Up and Down wrap round.
   std::string answers;
   for (int k : {+KEY_DOWN, 0, +KEY_ENTER, +KEY_UP, +KEY_UP, +KEY_DOWN, +KEY_ESC, +KEY_X}) {
     if (k != 0) simulate_keypress(k << 8);
@@ -259,8 +237,7 @@ TEST(Widgets, Menu) {
   menu.HelpX = 100;
   Once(run);
   EXPECT_EQ((J{menu.HelpX, H(99, 590, 5)}), "64 2s2?1s");
-  // The pointer takes the selection only as it moves; a click chooses the
-  // entry under it.
+  // The pointer selects only as it moves.
   Move(300, 80);
   Once(run);
   simulate_keypress(KEY_DOWN << 8);
@@ -289,21 +266,18 @@ TEST(Widgets, TextFields) {
     a.Run(), b.Run(), c.Run();
     return 0;
   };
-  // With the caret on: box, label, count, text, caret; a read-only field's grey.
   Move(10, 10);
   ASSERT_TRUE(TkWaitFor([] { return RVK_Clock() % 1000 < 300; }));
   Once(run);
   EXPECT_EQ((J{H(98, 109, 64), V(102, 80, 67), H(700, 209, 8)}),
             "3P1.1W1?2w1?2W1w1?3W1w1W3.40W1F2P 5P1?2.6?7P1.4W2?2W1?2w4W1F11P3?3P2?1.9P 1P1.2?2W1?1W");
-  // A key a frame: a limit of 5 admits 4; Enter is handed on; Tab moves the
-  // focus to a read-only field, which takes no key.
+  // A limit of 5 admits 4; Enter is handed on; a read-only field takes none.
   for (int k : {KEY_C << 8 | 'c', KEY_D << 8 | 'd', KEY_E << 8 | 'e', KEY_ENTER << 8 | 13, KEY_TAB << 8 | 9, KEY_X << 8 | 'x'})
     simulate_keypress(k);
   for (int i = 0; i < 6; i++) Once(run);
   EXPECT_EQ((J{a.Text, a.Caret, +RVK_GetFocus(), b.Text, readkey() >> 8 == KEY_X, readkey() >> 8 == KEY_ENTER}),
             "abcd 4 1 fixed 1 1");
-  // A click gives the focus. Typed past the width, the first character
-  // shown moves on by one a frame until the text before the caret fits.
+  // Past the width, the first shown moves on one a frame.
   Move(110, 305);
   Click(run);
   for (int i = 0; i < 8; i++) simulate_keypress(KEY_W << 8 | 'W');
@@ -332,14 +306,10 @@ TEST(Widgets, ListBox) {
   auto run = [&] { return list.Run(), 0; };
   Move(600, 500);
   Once(run);
-  // The box, rows and their column, both bars, the selection in range.
   EXPECT_EQ((J{list.Selected, V(150, 98, 68), H(98, 108, 14), H(380, 108, 28), H(299, 125, 8), H(290, 144, 60), V(250, 151, 19)}),
             "4 2.1i51I1t13d 2.1i2I4?1I4? 4I1T15K1k7. 3I2?3I 60I 1I1t15d1l1.");
-  // A click selects its row at once, shown from the next frame; two quick
-  // clicks on one row are a double click, two slow ones aren't.
   std::string clicks;
-  // Clicks at the edges of the rows' rectangles: left, top, right of row
-  // 1 (the bar's width off), then inside row 2.
+  // Clicks at the rows' edges; a double click, and two slow ones.
   for (auto [x, y] : {std::pair{101, 117}, {383, 133}, {150, 139}, {-150, 139}, {150, 139}}) {
     Move(std::abs(x), y);
     rest(x < 0 ? 400 : 0);
@@ -348,8 +318,6 @@ TEST(Widgets, ListBox) {
   }
   Once(run);
   EXPECT_EQ((J{clicks, H(98, 142, 6)}), "1 -1 1,1 1 1,2 1 2,2 1 2,2 2 2, 2.1i1.2?");
-  // Keys and the wheel move the selection, and the rows with it; kept
-  // visible, a selection off the rows on show comes onto them.
   list.KeyboardOn = list.KeepSelectionVisible = true;
   list.Selected = 0;
   std::string moves;
@@ -373,8 +341,6 @@ TEST(Widgets, Sliders) {
     RVK_DrawRect(0, 0, 799, 599, RVK_Palette.PanelFace, true, RVK_Opaque);
     return across.Run(), down.Run(), empty.Run(), 0;
   };
-  // Troughs, knobs at their values, the label with the value and the
-  // tooltip by the pointer; nothing to adjust draws only the trough.
   Move(150, 107);
   Once(run);
   EXPECT_EQ((J{H(98, 107, 205), V(407, 98, 205), H(98, 207, 205), H(98, 124, 8), V(165, 110, 40)}),
@@ -392,9 +358,8 @@ TEST(Widgets, Sliders) {
 
 TEST(Widgets, MessageBoxAndTextViewer) {
   Move(10, 590);
-  alarm(60);  // a box that never closes fails the test instead of hanging it
-  // Enter held as the box opens must first go up once. The last frame: the
-  // box centred.
+  alarm(60);  // a box that never closes fails instead of hanging
+  // Enter held as the box opens must first go up once.
   Key("Return", KEY_ENTER, true);
   TkLater("sleep 0.4; xdotool keyup Return");
   Enter("0.7", "0.2");
@@ -402,8 +367,6 @@ TEST(Widgets, MessageBoxAndTextViewer) {
   RVK_MessageBox("Saved 100%% of %s", "it");
   EXPECT_EQ((J{RVK_Clock() - start >= 850, H(0, 300, 800), V(400, 0, 600)}),
             "1 327.1L21P10?112P1D328. 268.1l19T1d19P10S13P1D268.");
-  // A file's rows under a fixed toolbar on the viewer's backdrop; a text's;
-  // a file that isn't there: the read error.
   std::ofstream("rvk_viewer.txt") << "first line\n\nthird line\n";
   Enter("0.5", "0.2");
   start = RVK_Clock();

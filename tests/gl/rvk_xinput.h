@@ -1,6 +1,4 @@
-// For the GL tests: the shared X input (support/xinput.h); and for the
-// library's own, the back buffer read as runs of palette letters, values
-// joined for comparing at once, and message boxes that answer at once.
+// The GL tests' X input; for the library's, pixels read as letters.
 #pragma once
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -11,15 +9,11 @@
 #include "support/gl_env.h"
 #include "support/xinput.h"
 
-// The X input steps of the library's tests, each a failure unless Allegro
-// sees it.
 inline void Move(int x, int y) { EXPECT_TRUE(TkMovePointer(x, y)) << x << "," << y; }
 inline void Press(bool down = true) { EXPECT_TRUE(TkMouse(down)); }
 inline void Key(const char *name, int code, bool down) { EXPECT_TRUE(TkKey(name, code, down)) << name; }
 
-// Allegro's messages open xmessage, which waits for a click: the library's
-// tests have one of their own that answers at once. Allegro prints the
-// message as well.
+// Allegro's messages open xmessage, which waits: ours answers at once.
 inline const std::string TkQuietFolder = [] {
   std::string folder = "/tmp/rvk_quiet_" + std::to_string(getpid());
   std::filesystem::create_directories(folder);
@@ -29,8 +23,7 @@ inline const std::string TkQuietFolder = [] {
   return folder;
 }();
 
-// Values joined by blanks, to compare many at once. Written in braces,
-// J{a, b}, it takes copies of its values in order, calls among them included.
+// Values joined by blanks; braces evaluate them in order.
 struct J {
   std::string Text;
   template <class... T>
@@ -46,8 +39,6 @@ inline std::ostream &operator<<(std::ostream &out, const J &j) { return out << j
 inline std::string operator+(const J &j, const std::string &s) { return j.Text + s; }
 inline std::string operator+(const std::string &s, const J &j) { return s + j.Text; }
 
-// The colour of a pixel of the back buffer at screen coordinates as RRGGBB.
-// After a flip the buffer still holds the frame flipped.
 inline int Colour(int x, int y) {
   TkPixel p = TkReadPixel(x, y);
   return p.R << 16 | p.G << 8 | p.B;
@@ -59,16 +50,13 @@ inline std::string Hex(int x, int y) {
   return text;
 }
 
-// The colours along a line from (x, y) in steps of (dx, dy), n pixels, as
-// runs of letters: "3.5P" is 3 black, then 5 panel grey; a colour without a
-// letter is '?'.
+// Colours along a line as runs of letters: "3.5P" is 3 black, 5 grey.
 inline std::string Scan(int x, int y, int dx, int dy, int n) {
   static const std::map<int, char> letters = {
       {0x000000, '.'}, {0xFFFFFF, 'W'}, {0x0000F0, 'B'}, {0xFFFF00, 'Y'}, {0x81A2FF, 'V'}, {0x939393, 'P'},
       {0x3737FF, 'H'}, {0xD3D3D3, 'L'}, {0x6B6B6B, 'D'}, {0x0303FF, 'T'}, {0xB3B3B3, 'l'}, {0x4F4F4F, 'd'},
       {0x232323, 'S'}, {0xD4D0C8, 'F'}, {0x808080, 'G'}, {0x838383, 't'}, {0x5353FF, 'k'}, {0x030383, 'K'},
       {0xDBDBDB, 'I'}, {0x6F6F6F, 'i'}, {0xFF0000, 'r'}, {0x00FF00, 'g'}, {0x0000FF, 'b'}, {0xE60000, 'E'},
-      // menu blue at 128 and 96, white at 96, the menu's bottom strip
       {0x000078, 'm'}, {0x00005A, 'n'}, {0x606060, 'w'}, {0x545454, 's'}};
   std::string out;
   char last = 0;
@@ -84,11 +72,9 @@ inline std::string Scan(int x, int y, int dx, int dy, int n) {
   return out;
 }
 
-// Along a row or a column.
 inline std::string H(int x, int y, int n) { return Scan(x, y, 1, 0, n); }
 inline std::string V(int x, int y, int n) { return Scan(x, y, 0, 1, n); }
 
-// Begins a frame on black.
 inline void Frame() {
   glClearColor(0, 0, 0, 1);
   RVK_BeginFrame();

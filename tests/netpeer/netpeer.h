@@ -1,6 +1,7 @@
 // Test peers speaking the wire format on 127.0.0.1.
 #pragma once
 #include <enet/enet.h>
+#include <atomic>
 #include <chrono>
 #include <cstring>
 #include <functional>
@@ -11,7 +12,7 @@
 
 typedef std::vector<uint8_t> Bytes;
 
-// A packet as on the wire: its type byte, 16-bit fields, maybe a text, a zero.
+// A wire packet: its type, 16-bit fields, a text maybe, a zero.
 inline Bytes Pkt(uint8_t type, std::initializer_list<int> shorts = {}, const char *text = nullptr) {
   Bytes b{type};
   auto put = [&](int v) { b.insert(b.end(), {(uint8_t)v, (uint8_t)(v >> 8)}); };
@@ -26,7 +27,14 @@ inline std::string Hex(const Bytes &b) {
   return s.substr(0, s.size() - !s.empty());
 }
 
-// A port per test run, so that runs side by side don't clash.
+// ENet's blocks not yet freed, once CountEnetBlocks() ran.
+inline std::atomic<int> Held{0};
+inline void CountEnetBlocks() {
+  static ENetCallbacks counted{[](size_t n) { return ++Held, malloc(n); }, [](void *p) { Held -= !!p, free(p); }, nullptr};
+  enet_initialize_with_callbacks(ENET_VERSION, &counted);
+}
+
+// A port per test run, so runs side by side don't clash.
 inline uint16_t TestPort(int offset) { return (uint16_t)(30000 + getpid() % 15000 + offset); }
 inline double NowMs() {
   return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now().time_since_epoch()).count();
@@ -38,11 +46,11 @@ inline bool PumpUntil(const std::function<void()> &step, const std::function<boo
   return done();
 }
 
-// A client of a server on 127.0.0.1, or a server there, keeping what arrives.
+// A client or a server on 127.0.0.1, keeping what arrives.
 class TestHost {
 public:
   ENetHost *Host = nullptr;
-  ENetPeer *Peer = nullptr;  // the server, or the last peer that connected
+  ENetPeer *Peer = nullptr;  // the server, or the last to connect
   struct Packet {
     Bytes Data;
     int Channel;
@@ -60,7 +68,6 @@ public:
     Host = enet_host_create(server ? &address : nullptr, server ? 8 : 1, 2, 0, 0);
     return Host && (server || (Peer = enet_host_connect(Host, &address, 2, 0)));
   }
-  bool StartClient(uint16_t port) { return Start(port, false); }
   bool Connected() const { return ConnectTime > 0; }
   void Service(int wait = 0) {
     for (ENetEvent e; enet_host_service(Host, &e, (enet_uint32)wait) > 0; wait = 0) {

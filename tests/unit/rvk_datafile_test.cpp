@@ -1,32 +1,25 @@
-// The datafile check: what Allegro's loader may be given, the shipped
-// datafiles whole and cut anywhere, and a refusal in the error log.
+// The check before Allegro's datafile loader.
 #include <gtest/gtest.h>
 #include <allegro.h>
-#include <fstream>
-#include <iterator>
-#include <sstream>
 #include "rvk/datafile.h"
+#include "support/joined.h"
 
-using Bytes = std::vector<unsigned char>;
+static std::string Problem(const std::string &bytes, size_t size) {
+  return RVK_DatafileProblem((const unsigned char *)bytes.data(), size);
+}
 
-// Bytes from words: a number as value:width, big-endian ("18:4"); any other
-// word as its characters, an underscore for a blank ("BMP_").
+// Words to bytes: value:width big-endian, else characters, _ for a blank.
 static std::string Problem(const std::string &words) {
-  Bytes b;
+  std::string b;
   std::istringstream in(words);
   for (std::string w; in >> w;) {
     size_t colon = w.find(':');
     if (colon == std::string::npos)
-      for (char c : w) b.push_back(c == '_' ? ' ' : c);
+      for (char c : w) b += c == '_' ? ' ' : c;
     else
-      for (int n = std::stoi(w.substr(colon + 1)); n-- > 0;) b.push_back(std::stoll(w) >> 8 * n);
+      for (int n = std::stoi(w.substr(colon + 1)); n-- > 0;) b += (char)(std::stoll(w) >> 8 * n);
   }
-  return RVK_DatafileProblem(b.data(), b.size());
-}
-
-static Bytes Read(const std::string &path) {
-  std::ifstream in(path, std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(in), {});
+  return Problem(b, b.size());
 }
 
 TEST(Datafile, WhatTheLoaderMayBeGiven) {
@@ -86,24 +79,22 @@ TEST(Datafile, WhatTheLoaderMayBeGiven) {
 
 TEST(Datafile, ShippedFilesPassWholeAndFailCutAnywhere) {
   for (const char *name : {"/Tumblekin.dat", "/RVK.dat"}) {
-    Bytes b = Read(TK_GAME_DIR + std::string(name));
+    std::string b = FileText(TK_GAME_DIR + std::string(name));
     ASSERT_GT(b.size(), 2000u) << name;
-    EXPECT_EQ(RVK_DatafileProblem(b.data(), b.size()), "") << name;
-    for (size_t n = 0; n < b.size(); n++) ASSERT_NE(RVK_DatafileProblem(b.data(), n), "") << name << " cut to " << n;
+    EXPECT_EQ(Problem(b, b.size()), "") << name;
+    for (size_t n = 0; n < b.size(); n++) ASSERT_NE(Problem(b, n), "") << name << " cut to " << n;
   }
 }
 
 TEST(Datafile, ARefusedFileIsLoggedAndNotLoaded) {
   install_allegro(SYSTEM_NONE, &errno, atexit);
-  Bytes b = Read(TK_GAME_DIR "/RVK.dat");
-  std::ofstream("cut.dat", std::ios::binary).write((const char *)b.data(), 40000);
+  std::ofstream("cut.dat") << FileText(TK_GAME_DIR "/RVK.dat").substr(0, 40000);
   std::remove("RVK Error Log.txt");
   EXPECT_EQ(RVK_LoadDatafile("no such.dat"), nullptr);
-  EXPECT_FALSE(std::ifstream("RVK Error Log.txt").good());
+  EXPECT_EQ(FileText("RVK Error Log.txt"), "");
   EXPECT_EQ(RVK_LoadDatafile("cut.dat"), nullptr);
-  std::stringstream log;
-  log << std::ifstream("RVK Error Log.txt").rdbuf();
-  EXPECT_NE(log.str().find(">The datafile \"cut.dat\" can't be read: object 13 is cut short.\n"), std::string::npos);
+  EXPECT_NE(FileText("RVK Error Log.txt").find(">The datafile \"cut.dat\" can't be read: object 13 is cut short.\n"),
+            std::string::npos);
   DATAFILE *whole = RVK_LoadDatafile(TK_GAME_DIR "/RVK.dat");
   ASSERT_NE(whole, nullptr);
   EXPECT_EQ(whole[25].type, DAT_BITMAP);
