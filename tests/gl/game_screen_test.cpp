@@ -309,6 +309,11 @@ TEST_F(Screen, DrawPlayer) {
     PlayerClass p{0, &body, "", 0, 0, 0, 0, 0, 0, 0, 0, 0, {x, y}, {x, y}, 10 * turn};
     EXPECT_EQ(Str(Draw(p, xs, {138}), p.EyebrowsY), Str(turn ? "..####..#### 1" : "############ 1", turn ? 10 * turn - 0.25f : 0));
   }
+  // A moving body and part take their frames as they are drawn.
+  for (ModelClass *m : {&body.Model, &hat.Model}) m->Animated = true, m->LastClock = ModelClock() - 100;
+  PlayerClass worn{0, &body, "", 0, -1, -1, -1, -1, -1, -1, -1, 0};
+  DrawPlayer(worn, 0, 0, 0);
+  EXPECT_TRUE(body.Model.CurrentFrame > 0 && hat.Model.CurrentFrame > 0);
   G.Mode = GAME_MODE_NONE;
 }
 
