@@ -53,7 +53,7 @@ void SetupLights() {
 
 // Idle yaw about Y first, then the view angles about X, Y and Z, each in
 // 1/256 of a turn: the whole row turns about the world's origin.
-void RotateScene(float idleYaw, const float viewAngles[3]) {
+void RotateScene(float idleYaw, const float (&viewAngles)[3]) {
   glRotatef(idleYaw, 0, 1, 0);
   glRotatef(viewAngles[0] * DEGREES_PER_STEP, 1, 0, 0);
   glRotatef(viewAngles[1] * DEGREES_PER_STEP, 0, 1, 0);

@@ -1,6 +1,7 @@
 // The server's event pump: a client joins and gets the join sequence, its
 // packets are applied and relayed to the others, a client leaves.
 #include "net/server.h"
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -51,14 +52,15 @@ void NET_RemovePlayer(int number) {
   game.DeletePlayer(number);
   if (game.Mode != GAME_MODE_SERVER) return;
   // The local record is never deleted; it has no peer to let go of either.
-  if (game.GetPlayerCount() == countBefore || number < 1 || number >= MAX_PLAYERS) return;
+  if (game.GetPlayerCount() == countBefore) return;
   ENetPeer *peer = ClientPeers[number];
   if (peer) {
     enet_peer_reset(peer);
     std::free(peer->data);
     peer->data = nullptr;
   }
-  for (int i = number; i < MAX_PLAYERS - 1; i++) ClientPeers[i] = ClientPeers[i + 1];
+  // The records behind it move down one number, and their peers with them.
+  std::copy(ClientPeers + number + 1, ClientPeers + MAX_PLAYERS, ClientPeers + number);
   ClientPeers[MAX_PLAYERS - 1] = nullptr;
   NP_SendPacket(NP_TO_ALL, NP_UPDATE_QUIT, "%d", id);
 }

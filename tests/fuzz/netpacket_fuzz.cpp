@@ -1,6 +1,5 @@
 // Any bytes through the packet parser into a dispatch: the first byte picks
-// the server's or the client's and the sender, the rest is the packet. The
-// sources are compiled in for coverage.
+// the server's or the client's and the sender, the rest is the packet.
 #include "net/client.cpp"
 #include "net/netstate.cpp"
 #include "net/packets.cpp"

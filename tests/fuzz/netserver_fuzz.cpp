@@ -1,6 +1,6 @@
 // Nine peers' connects, packets and disconnects, as ENet gives them, to the
 // server, its peer table checked after each: a byte picks event and peer, a
-// packet's length and bytes follow. The sources are compiled in for coverage.
+// packet's length and bytes follow.
 #include "net/netstate.cpp"
 #include "net/packets.cpp"
 #include "net/send.cpp"

@@ -1,4 +1,4 @@
-// The game's own server, polled here, with test clients on 127.0.0.1.
+// The game's server with test clients on 127.0.0.1.
 #include <gtest/gtest.h>
 #include <deque>
 #include "app/config.h"
@@ -16,6 +16,7 @@ protected:
   uint16_t Port = 0;
 
   void SetUp() override {
+    CountEnetBlocks();
     Port = TestPort(20);
     Game.Characters.resize(3);
     Game.Eyes.resize(4);
@@ -35,6 +36,7 @@ protected:
   void TearDown() override {
     Clients.clear();
     NET_ShutdownNetwork();
+    EXPECT_EQ(Held, 0);
   }
   bool Until(const std::function<bool()> &done, double ms = 3000) {
     return PumpUntil([&] { NET_ServerPoll(); for (auto &c : Clients) c.Service(); }, done, ms);
@@ -76,7 +78,7 @@ TEST_F(ServerTest, JoinReportsRelaysAndLeaving) {
   EXPECT_EQ(Console.Said(), (Texts{"NET_InitNetwork: Network initialised.", "Server started on port " +
                                    std::to_string(Port), "Accepted new client connection",
                                    "A new client connected from 100007f:" + a.LocalPort()}));
-  // A name goes back to its sender too, a part not; a Ping is answered.
+  // A name goes back to its sender too, a part not; Ping gets Pong.
   for (const Bytes &p : {Pkt(1, {}, "Al\r 100%"), Pkt(3, {3}), Pkt(50)}) a.Send(p);
   const int white = makecol(255, 255, 255);
   EXPECT_EQ(Next(a, 18, 3),
@@ -87,15 +89,14 @@ TEST_F(ServerTest, JoinReportsRelaysAndLeaving) {
 
   TestHost &b = Join(32);
   EXPECT_EQ(Next(a, 21, 1), Texts{"1: 12 03 00 02 00 00"});
-  // Relays go as sent, a console line to all; the rest does nothing.
+  // Parts relayed as sent, a console line to all.
   for (const Bytes &p : {Pkt(10, {99}), Pkt(4, {1}), Pkt(40, {0, 1}), Pkt(52, {1, -1, -1}, "hi%s")})
     a.Send(p);
   const std::string hi = "1: " + Hex(Pkt(52, {1, -1, -1}, "hi%s"));
   EXPECT_EQ(Next(b, 32, 3), (Texts{"1: 1E 01 00 63 00 00", "1: 18 01 00 01 00 00", hi}));
   EXPECT_EQ(Next(a, 22, 1), Texts{hi});
 
-  // Al quits: B moves down to 1, still reached and found. B is lost: the
-  // last goodbye goes to nobody.
+  // Al quits: B moves down to 1, still reached and found; then B is lost.
   a.Send(Pkt(0));
   EXPECT_EQ(Next(b, 35, 1), Texts{"1: 14 01 00 00"});
   EXPECT_STREQ((const char *)ClientPeers[1]->data, "2");
