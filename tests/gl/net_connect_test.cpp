@@ -50,7 +50,7 @@ Shot When(bool (Shot::*shows)() const) {
 
 // A key held for a frame to see.
 void Key(const std::string &key) {
-  std::system(("xdotool keydown " + key + " sleep 0.3 keyup " + key + " sleep 0.3").c_str());
+  std::system(("xdotool keydown " + key + " sleep 0.5 keyup " + key + " sleep 0.3").c_str());
 }
 
 // Runs `step` while `drive` acts from a thread, then Enter and Esc in turn:
@@ -156,7 +156,7 @@ TEST(ConnectTest, NumberedJoinADifferentVersionAndTheEnd) {
                     5);
   ASSERT_TRUE(Driven([] {}, NET_ConnectToServer));
   EXPECT_EQ(Game.LocalPlayer, &Game.Players[1]);
-  EXPECT_TRUE(PumpUntil([] { EXPECT_TRUE(PollFor(22)); }, [] { return Game.Players[0].EyesNumber == 2; }, 5000));
+  EXPECT_TRUE(PumpUntil([] { EXPECT_TRUE(PollFor(22)); }, [] { return Game.Players[0].EyesNumber == 2; }, 9000));
   EXPECT_EQ(Console.Said(), (Texts{"NET_InitNetwork: Network initialised.",
                                    "Connection to 127.0.0.1:" + Config.RemoteServerPort + " established",
                                    "Ignored unexpected packet (type 51)", "Ignored unexpected packet (type 21)",
@@ -171,10 +171,10 @@ TEST(ConnectTest, NumberedJoinADifferentVersionAndTheEnd) {
   EXPECT_FALSE(Driven([] { EXPECT_TRUE(When(&Shot::Box).Box()); Key("Return"); }, [] { return PollFor(8000); }));
   EXPECT_EQ(Game.Players[1].PlayerId, 0);
   NP_SendPacket(NP_TO_SERVER, NP_REPORT_QUIT, "");
-  PumpUntil([] { rest(5); }, [&] { return server.Count == 3; }, 2000);
+  PumpUntil([] { rest(5); }, [&] { return server.Count == 3; }, 9000);
   EXPECT_EQ(server.Host.Seen(), (Texts{"0: 01 07 00 5A 65 64 0D 20 4A 72 00", "0: 03 01 00 00", "0: 00 00"}));
   // The server hangs up: the game ends.
   server.Release = 8;
-  EXPECT_FALSE(PollFor(3000));
+  EXPECT_FALSE(PollFor(9000));
   NET_ShutdownNetwork();
 }
