@@ -89,7 +89,7 @@ class ViewKeysClass {
 public:
   bool Left = false, Right = false, Up = false, Down = false, Z = false, X = false;
 };
-void ApplyViewKeys(float viewAngles[3], const ViewKeysClass &keys);
+void ApplyViewKeys(float (&viewAngles)[3], const ViewKeysClass &keys);
 
 // One frame of the single-player idle motion, drawing from `random` (rand in
 // the game) in the fixed order of its steps.

@@ -24,7 +24,7 @@
 
 // ---- Pure steps -----------------------------------------------------------
 
-void ApplyViewKeys(float viewAngles[3], const ViewKeysClass &keys) {
+void ApplyViewKeys(float (&viewAngles)[3], const ViewKeysClass &keys) {
   if (keys.Left)
     viewAngles[1] += 2;
   else if (keys.Right)

@@ -51,13 +51,20 @@ void SetupLights() {
   glEnable(GL_LIGHT1);
 }
 
+enum { AXIS_X, AXIS_Y, AXIS_Z };
+
+// A turn by `degrees` about one of the world's axes.
+static void Turn(float degrees, int axis) {
+  glRotatef(degrees, axis == AXIS_X ? 1.0f : 0.0f, axis == AXIS_Y ? 1.0f : 0.0f, axis == AXIS_Z ? 1.0f : 0.0f);
+}
+
 // Idle yaw about Y first, then the view angles about X, Y and Z, each in
 // 1/256 of a turn: the whole row turns about the world's origin.
-void RotateScene(float idleYaw, const float viewAngles[3]) {
-  glRotatef(idleYaw, 0, 1, 0);
-  glRotatef(viewAngles[0] * DEGREES_PER_STEP, 1, 0, 0);
-  glRotatef(viewAngles[1] * DEGREES_PER_STEP, 0, 1, 0);
-  glRotatef(viewAngles[2] * DEGREES_PER_STEP, 0, 0, 1);
+void RotateScene(float idleYaw, const float (&viewAngles)[3]) {
+  Turn(idleYaw, AXIS_Y);
+  Turn(viewAngles[0] * DEGREES_PER_STEP, AXIS_X);
+  Turn(viewAngles[1] * DEGREES_PER_STEP, AXIS_Y);
+  Turn(viewAngles[2] * DEGREES_PER_STEP, AXIS_Z);
 }
 
 void DisableLights() {

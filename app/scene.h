@@ -14,7 +14,7 @@ void DisableLights();
 // 1/256 of a turn in degrees: the unit of the view and eye angles.
 const float DEGREES_PER_STEP = 1.40625f;
 // Turns the characters by the idle yaw (degrees) and the view angles.
-void RotateScene(float idleYaw, const float viewAngles[3]);
+void RotateScene(float idleYaw, const float (&viewAngles)[3]);
 
 // Where record `index` of `count` players stands in the network row (x; y and z are 0).
 float RowPositionX(int count, int index);

@@ -63,7 +63,7 @@ const PointKey CHARACTER_POINTS[] = {
 const char *const HAT_OFFSET = "Offset", *const HAT_BACKFACES = "backfaces";
 const char *const AXES[3] = {"X", "Y", "Z"};
 
-void ReadPoint(const char *section, const char *prefix, float point[3]) {
+void ReadPoint(const char *section, const char *prefix, float (&point)[3]) {
   for (int i = 0; i < 3; i++) point[i] = get_config_float(section, (std::string(prefix) + AXES[i]).c_str(), point[i]);
 }
 

@@ -7,7 +7,7 @@
 
 namespace {
 
-void UpdateAndDraw(ModelClass &model, const float anchor[3], float rx = 0, float ry = 0, float yLift = 0) {
+void UpdateAndDraw(ModelClass &model, const float (&anchor)[3], float rx = 0, float ry = 0, float yLift = 0) {
   model.UpdateFrame();
   model.Draw(anchor[0], anchor[1] + yLift, anchor[2], rx, ry, 0);
 }

@@ -110,17 +110,18 @@ bool SectionLineReadsBack(const std::string &line) {
   return rest == std::string::npos || line[rest] == '#';
 }
 
-// Allegro writes a setting back as "name = value", the name and the value
-// without their blanks, and keeps comments and lines of no name as they were.
-// The longer of a line's length as read and once written, so that a file
-// accepted now is still accepted after the program has written it.
+// Allegro reads a setting's name up to the first blank or equals sign and its
+// value from the first character past them, and writes the setting back as
+// "name = value" without the value's trailing blanks; comments and lines
+// that start with an equals sign stay as they were. The longer of a line's
+// length as read and as written, so that a file accepted now is still
+// accepted after the program has written it.
 size_t WrittenLength(const std::string &line) {
-  const char *blanks = " \t\r\n";
+  const char *blanks = " \t\r\n", *separators = " \t\r\n=";
   size_t first = line.find_first_not_of(blanks);
   if (first == std::string::npos || line[first] == '#' || line[first] == '[' || line[first] == '=') return line.size();
-  size_t equals = std::min(line.find('=', first), line.size());
-  size_t nameEnd = line.find_last_not_of(blanks, equals - 1) + 1;
-  size_t value = equals < line.size() ? line.find_first_not_of(blanks, equals + 1) : std::string::npos;
+  size_t nameEnd = std::min(line.find_first_of(separators, first), line.size());
+  size_t value = line.find_first_not_of(separators, nameEnd);
   size_t valueLength = value == std::string::npos ? 0 : line.find_last_not_of(blanks) + 1 - value;
   return std::max(line.size(), nameEnd - first + strlen(" = ") + valueLength);
 }

@@ -88,15 +88,12 @@ void WriteTga(const string &path, int grey) {
   destroy_bitmap(bmp);
 }
 
-const string DIRS[9] = {"characters", "eyes", "ears", "noses", "mouths", "eyebrows", "moustaches", "feet", "hats"};
-
 string Entry(int cat, int n, const string &more = "", const string &model = "a.ms3d") {
-  const string section[9] = {"character", "eyes", "ears", "nose", "mouth", "eyebrows", "moustache", "feet", "hat"};
-  return "[" + section[cat] + to_string(n) + "]\n" + more + "LeftModel = " + model + "\nRightModel = " + model +
-         "\nmodel = " + model + "\nthumb = a.tga\n";
+  return "[" + CatalogueSection(CATALOGUES[cat], n) + "]\n" + more + "LeftModel = " + model + "\nRightModel = " +
+         model + "\nmodel = " + model + "\nthumb = a.tga\n";
 }
 void Catalogue(int cat, int count, const string &entries) {
-  ofstream("data/" + DIRS[cat] + ".ini") << "[info]\ncount = " << count << "\n" << entries;
+  ofstream(RVK_NativePath(CATALOGUES[cat].File)) << "[info]\ncount = " << count << "\n" << entries;
 }
 void Mend() {
   WriteTga("data/menuback.tga", 10);
@@ -123,10 +120,11 @@ protected:
     mkdir("data", 0755);
     for (string file : {"Tumblekin.dat", "RVK.dat", "Tumblekin.txt", "tumblekin", "data/sounds"})
       symlink((TK_GAME_DIR "/" + file).c_str(), file.c_str());
-    for (const string &d : DIRS) {
-      mkdir(("data/" + d).c_str(), 0755);
-      WriteSquare("data/" + d + "/a.ms3d", d == "characters" ? 40 : 10, true);
-      WriteTga("data/" + d + "/a.tga", 40);
+    for (const CatalogueInfo &c : CATALOGUES) {
+      string dir = RVK_NativePath(c.Directory);
+      mkdir(dir.c_str(), 0755);
+      WriteSquare(dir + "a.ms3d", c.NoneText ? 10 : 40, true);
+      WriteTga(dir + "a.tga", 40);
     }
     WriteSquare("data/hats/h.ms3d", 10, false);
     ConsoleLogFile = fopen("console.log", "w");
@@ -137,7 +135,7 @@ protected:
   static bool Said(const string &line) { return FileText("console.log").find(": " + line + "\n") != string::npos; }
 };
 
-TEST_F(Screen, CataloguesTakeTheirKeysAndStopAtTheirFirstBrokenEntry) {
+TEST_F(Screen, CataloguesStopAtABrokenEntry) {
   Catalogue(0, 2, Entry(0, 0, "scale = 2.5\nCameraX = 1\nCameraY = 2\nHatZ = 3\n") + Entry(0, 1));
   // eyes1 has no left model: eyes2 is never read.
   Catalogue(1, 3, Entry(1, 0) + "[eyes1]\nRightModel = a.ms3d\n" + Entry(1, 2));
@@ -163,23 +161,24 @@ TEST_F(Screen, CataloguesTakeTheirKeysAndStopAtTheirFirstBrokenEntry) {
   EXPECT_FALSE(G.CharacterSample);
 }
 
-TEST_F(Screen, ALoadReleasesWhatItsFailureSaysAndReloadsLeaveNothing) {
+TEST_F(Screen, FailedLoadsReleaseTheirShare) {
   const auto live = LiveNames();
   const int icons = RVK_GetIconCount();
   // Each row rewrites a catalogue (-1 removes a picture, -2 the hats), then
-  // the text and what stays: pictures, bodies, eyes, noses, all, the answer.
+  // the text and what stays: pictures, bodies, eyes, noses, all, the answer,
+  // the feet.
   const string model = "Unable to load model from data/", bitmap = "Unable to load bitmap from data/";
   const tuple<int, int, string, string, string> rows[] = {
-      {1, 1, Entry(1, 0, "thumb = x.tga\n"), "", "11111111"},
-      {7, 2, Entry(7, 0) + "[feet1]\nLeftModel = a.ms3d\nRightModel = no.ms3d\n", model + "feet/no.ms3d", "11111111"},
-      {0, 2, "[character0]\n" + Entry(0, 1), "No model specified for character0", "11100000"},
-      {0, 1, Entry(0, 0, "", "no.ms3d"), model + "characters/no.ms3d", "11100000"},
-      {3, 0, "", "No noses found in noses.ini", "11111000"},
-      {4, 1, Entry(4, 0, "", "no.ms3d"), model + "mouths/no.ms3d", "00000000"},
-      {-2, 1, "", "No hats found in hats.ini", "11111100"},
-      {-1, 0, "connecting", bitmap + "connecting.tga", "00000000"},
-      {-1, 0, "none", bitmap + "none.tga", "00000000"},
-      {-1, 0, "menuback", bitmap + "menuback.tga", "00000000"},
+      {1, 1, Entry(1, 0, "thumb = x.tga\n"), "", "111111111"},
+      {7, 2, Entry(7, 0) + "[feet1]\nLeftModel = a.ms3d\nRightModel = no.ms3d\n", model + "feet/no.ms3d", "111111111"},
+      {0, 2, "[character0]\n" + Entry(0, 1), "No model specified for character0", "111000000"},
+      {0, 1, Entry(0, 0, "", "no.ms3d"), model + "characters/no.ms3d", "111000000"},
+      {3, 0, "", "No noses found in noses.ini", "111110000"},
+      {4, 1, Entry(4, 0, "", "no.ms3d"), model + "mouths/no.ms3d", "000000000"},
+      {-2, 1, "", "No hats found in hats.ini", "111111001"},
+      {-1, 0, "connecting", bitmap + "connecting.tga", "000000000"},
+      {-1, 0, "none", bitmap + "none.tga", "000000000"},
+      {-1, 0, "menuback", bitmap + "menuback.tga", "000000000"},
   };
   for (const auto &[cat, count, text, error, kept] : rows) {
     cat >= 0 ? Catalogue(cat, count, text) : (void)unlink(("data/" + (cat < -1 ? "hats.ini" : text + ".tga")).c_str());
@@ -189,6 +188,7 @@ TEST_F(Screen, ALoadReleasesWhatItsFailureSaysAndReloadsLeaveNothing) {
     for (bool b : {G.MenuBackTexture.Loaded, G.NoneTexture.Loaded, G.ConnectingTexture.Loaded,
                    !G.Characters.empty(), !G.Eyes.empty(), !G.Noses.empty(), CataloguesLoaded(G), loaded})
       now += b ? "1" : "0";
+    now += to_string(G.Feet.size());
     EXPECT_EQ(G.LoadError + " " + kept, now);
     UnloadGame(G);
     EXPECT_TRUE(LiveNames() == live && RVK_GetIconCount() == icons);
@@ -198,7 +198,7 @@ TEST_F(Screen, ALoadReleasesWhatItsFailureSaysAndReloadsLeaveNothing) {
   EXPECT_TRUE(glIsTexture(RVK_GetDefaultIcon().TextureName));
 }
 
-TEST_F(Screen, LightsTurnsBackgroundAndTheGameFont) {
+TEST_F(Screen, LightsTurnsBackdropAndFont) {
   CameraClass camera;
   camera.Eye[2] = -500;
   ApplyCamera(camera);
@@ -218,15 +218,15 @@ TEST_F(Screen, LightsTurnsBackgroundAndTheGameFont) {
   DisableLights();
   EXPECT_FALSE(glIsEnabled(GL_LIGHT0) || glIsEnabled(GL_LIGHT1) || glIsEnabled(GL_LIGHTING));
   // Where X and Y go in a quarter turn by the idle yaw or a view angle.
-  const pair<vector<float>, string> turns[] = {{{90, 0, 0, 0}, "0 0 -1 0 1 0 "}, {{0, 64, 0, 0}, "1 0 0 0 0 1 "},
-                                               {{0, 0, 64, 0}, "0 0 -1 0 1 0 "}, {{0, 0, 0, 64}, "0 1 0 -1 0 0 "}};
-  for (const auto &[angles, axes] : turns) {
+  const struct { float yaw, angles[3]; const char *axes; } turns[] = {
+      {90, {}, "0 0 -1 0 1 0 "}, {0, {64}, "1 0 0 0 0 1 "}, {0, {0, 64}, "0 0 -1 0 1 0 "}, {0, {0, 0, 64}, "0 1 0 -1 0 0 "}};
+  for (const auto &t : turns) {
     glLoadIdentity();
-    RotateScene(angles[0], &angles[1]);
+    RotateScene(t.yaw, t.angles);
     glGetFloatv(GL_MODELVIEW_MATRIX, m);
     s.clear();
     for (int i : {0, 1, 2, 4, 5, 6}) s += Str(std::round(m[i]) + 0);
-    EXPECT_EQ(s, axes);
+    EXPECT_EQ(s, t.axes);
   }
   // Tinted blue at half for dialogs.
   ASSERT_TRUE(LoadGame(G));
@@ -266,7 +266,7 @@ string Draw(PlayerClass &p, const vector<int> &xs, const vector<int> &ys) {
   return drawn + (glIsEnabled(GL_CULL_FACE) && !glIsEnabled(GL_NORMALIZE) && !memcmp(before, after, sizeof before) ? " 1" : " 0");
 }
 
-TEST_F(Screen, DrawPlayerPutsEveryPartOnItsAnchorAndScalesAll) {
+TEST_F(Screen, DrawPlayer) {
   ASSERT_TRUE(LoadGame(G));
   CharacterEntry &body = G.Characters[0];
   HatEntry &hat = G.Hats[0];
@@ -309,6 +309,11 @@ TEST_F(Screen, DrawPlayerPutsEveryPartOnItsAnchorAndScalesAll) {
     PlayerClass p{0, &body, "", 0, 0, 0, 0, 0, 0, 0, 0, 0, {x, y}, {x, y}, 10 * turn};
     EXPECT_EQ(Str(Draw(p, xs, {138}), p.EyebrowsY), Str(turn ? "..####..#### 1" : "############ 1", turn ? 10 * turn - 0.25f : 0));
   }
+  // A moving body and part take their frames as they are drawn.
+  for (ModelClass *m : {&body.Model, &hat.Model}) m->Animated = true, m->LastClock = ModelClock() - 100;
+  PlayerClass worn{0, &body, "", 0, -1, -1, -1, -1, -1, -1, -1, 0};
+  DrawPlayer(worn, 0, 0, 0);
+  EXPECT_TRUE(body.Model.CurrentFrame > 0 && hat.Model.CurrentFrame > 0);
   G.Mode = GAME_MODE_NONE;
 }
 
@@ -346,7 +351,11 @@ TEST_F(Screen, GameFramesAndGoodbyes) {
     glReadPixels(131, 584 - y, 40, 16, GL_RGBA, GL_UNSIGNED_BYTE, p);
     return std::count(p, p + 40 * 16, 0xFFFFFFFF) > 0;
   };
-  EXPECT_EQ(Str(TkReadPixel(236, 358) == SKY, TkReadPixel(400, 358) == SKY, TkReadPixel(564, 358) == SKY, white(96), white(112)), "0 1 0 1 0 ");
+  // The console's fresh lines, the loads', are marked at its left.
+  const TkPixel WHITE{255, 255, 255};
+  EXPECT_EQ(Str(TkReadPixel(236, 358) == SKY, TkReadPixel(400, 358) == SKY, TkReadPixel(564, 358) == SKY, white(96),
+                white(112), TkReadPixel(1, ConsoleTop + 1) == WHITE),
+            "0 1 0 1 0 1 ");
   // While it stands, boxes, dialogs and games end at once; each game says
   // goodbye, the try naming its packet.
   glEnable(GL_LIGHTING);
@@ -359,7 +368,7 @@ TEST_F(Screen, GameFramesAndGoodbyes) {
   EXPECT_EQ(Str(Said(tried + "20)"), Said(tried + "0)"), !!glIsEnabled(GL_LIGHTING), G.Toolbar.Buttons.size(), G.GetPlayerCount()), "1 1 0 0 0 ");
 }
 
-TEST_F(Screen, MenuAndGamesDrivenByKeysAndClicks) {
+TEST_F(Screen, MenuAndGames) {
   Catalogue(0, 2, Entry(0, 0) + Entry(0, 1));
   ASSERT_TRUE(LoadGame(G));
   TkWindowId();
@@ -411,7 +420,7 @@ TEST_F(Screen, MenuAndGamesDrivenByKeysAndClicks) {
   left = true;
   journey.join();
   RVK_RequestClose(false);
-  EXPECT_EQ(Str(closed, TkReadPixel(790, 300) == TkPixel{10, 20, 30}, G.NextPlayerId), "0 1 2 ");
+  EXPECT_EQ(Str(closed, TkReadPixel(790, 300) == TkPixel{10, 20, 30}, TkReadPixel(1, ConsoleTop + 1) == TkPixel{255, 255, 255}, G.NextPlayerId), "0 1 1 2 ");
 }
 
 // Runs the program in `dir` with no helper programs, its messages on its
@@ -427,7 +436,7 @@ int Launch(const string &dir, const string &args, const string &then = "") {
   return stoi(FileText("status"));
 }
 
-TEST_F(Screen, TheProgramKeepsItsSettingsAndEndsOnASignal) {
+TEST_F(Screen, TheProgram) {
   const string ini = "[video]\nwidth = 0\nheight = 99999\nwindow = 7\n\n[sound]\nenabled = 0\n\n[network]\n"
                      "PlayerName = Ann\nRemoteServerAddress = 127.0.0.1\n";
   system("mkdir bare nodata c; ln -s ../Tumblekin.dat ../RVK.dat nodata; ln -s ../Tumblekin.dat ../RVK.dat ../data ../Tumblekin.txt c");

@@ -48,7 +48,7 @@ TEST(FileCheck, EachKindOfFileIsRefusedForItsReason) {
       {RVK_CheckWav, std::string("RIFF\0\0\0\0WAVf", 12), "not a WAV sound"},
       {RVK_CheckConfigText, "[a]\nb = [c d] \xc3\xa9\t\xf4\x8f\xbf\xbf\r\n" + std::string(197, 'a'), ""},
       {RVK_CheckConfigText, "#" + std::string(199, 'a') + "\n k\t=" + std::string(196, 'v'), ""},
-      {RVK_CheckConfigText, "\nk=" + std::string(197, 'v'), "a line longer than 200 bytes as read or as written back (line 2)"},
+      {RVK_CheckConfigText, "\nk v =" + std::string(194, 'w'), "a line longer than 200 bytes as read or as written back (line 2)"},
       {RVK_CheckConfigText, "#" + std::string(200, 'a'), "a line longer than 200 bytes as read or as written back (line 1)"},
       {RVK_CheckConfigText, "a\n\xc0\x80", "not UTF-8 text (line 2)"},
       {RVK_CheckConfigText, "\xf4\x90\x80\x80", "not UTF-8 text (line 1)"},
