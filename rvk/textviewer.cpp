@@ -22,7 +22,6 @@ void RVK_ShowText(const char *source, bool sourceIsFile, const char *titleFormat
   if (sourceIsFile) {
     if (!list.LoadFromTextFile(source)) {
       RVK_ReportReadError(source);
-      list.Clear();
       return;
     }
   } else {
@@ -43,6 +42,4 @@ void RVK_ShowText(const char *source, bool sourceIsFile, const char *titleFormat
     RVK_WaitFrame();
     RVK_EndFrame();
   }
-  list.Clear();
-  toolbar.Clear();
 }

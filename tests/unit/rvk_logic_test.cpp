@@ -30,7 +30,10 @@ protected:
 
 TEST_F(Logic, KeyNamesAndMeasures) {
   RVK_SetupPalette();
-  EXPECT_EQ((J{gui_bg_color == RVK_Palette.PanelFace, gui_fg_color == RVK_Palette.StatusText}), "1 1");
+  // No fill is magenta, the one colour of the palette that is never drawn.
+  EXPECT_EQ((J{gui_bg_color == RVK_Palette.PanelFace, gui_fg_color == RVK_Palette.StatusText,
+              RVK_Palette.NoFill == makecol(255, 0, 255)}),
+            "1 1 1");
   std::string names;
   for (int code : {-6, -5, -1, 0, 13, 14, 71, 74, 126, 127}) names += std::string(RVK_GetKeyName(code)) + ",";
   EXPECT_EQ(names, "(none),Mouse wheel down,(none),(none),m,N,/,/,Caps Lock,(none),");
