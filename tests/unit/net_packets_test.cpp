@@ -130,11 +130,11 @@ auto Record(const PlayerClass &p) {
 TEST_F(ClientTest, AppliesTheServersWordToThePlayerOfTheId) {
   for (const Bytes &b : {Pkt(23, {8, 2}), Pkt(24, {8, -1}),
                          Pkt(30, {8, 1}), Pkt(30, {8, 5}),  // no such hat
-                         Pkt(22, {8, 2}), Pkt(22, {8, 9}),  // body 0
+                         Pkt(22, {8, 9}), Pkt(22, {8, 2}),  // body 0
                          Bytes{31, 8, 0, 0, 0, 0x40, 0x40}, Bytes{32, 8, 0, 0, 0, 0x80, 0xC1},
                          Bytes{33, 8, 0, 0, 0, 0xC0, 0x3F}, Pkt(21, {8}, "B\rb 50%")})
     EXPECT_TRUE(Apply(b));
-  EXPECT_EQ(Record(Game.Players[2]), std::make_tuple(0, 2, -1, 1, 3.0f, -16.0f, 1.5f, std::string("B,b 50%")));
+  EXPECT_EQ(Record(Game.Players[2]), std::make_tuple(2, 2, -1, 1, 3.0f, -16.0f, 1.5f, std::string("B,b 50%")));
   EXPECT_TRUE(Console.Said().empty());  // no report goes back
   for (const Bytes &b : {Pkt(23, {77, 1}), Pkt(51), Pkt(40, {0, 1}), Bytes{23, 6}, Pkt(53, {}, "Tumblekin v1.0")})
     EXPECT_TRUE(Apply(b));
