@@ -2,6 +2,7 @@
 // broken copy of it, each on its own line, with a failing exit status.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -27,7 +28,7 @@ TEST(CheckData, ShippedDataPassesAndABrokenCopyListsEveryProblem) {
   EXPECT_EQ(status, 0);
 
   // Links to the shipped files, some replaced.
-  const std::string dir = testing::TempDir() + "checkdata", data = dir + "/data/";
+  const std::string dir = testing::TempDir() + "checkdata" + std::to_string(getpid()), data = dir + "/data/";
   ASSERT_EQ(std::system(("rm -rf " + dir + "; mkdir " + dir + " && cp -rs " TK_SOURCE_DIR "/data " + dir).c_str()), 0);
   Write(data + "eyes.ini",
         "[info]\ncount = 3\ncolour = blue\n[eyes0]\nLeftModel = googly_left.ms3d\nRightModel = googly_right.ms3d\n"
@@ -57,4 +58,5 @@ TEST(CheckData, ShippedDataPassesAndABrokenCopyListsEveryProblem) {
             "data/sounds/feet.wav: not a WAV sound: the cue stays silent\n"
             "data/hats.ini: [hat0] OffsetX is not a number: abc\n");
   EXPECT_EQ(status, 1);
+  std::system(("rm -rf " + dir).c_str());
 }

@@ -37,7 +37,7 @@ TEST(FileCheck, EachKindOfFileIsRefusedForItsReason) {
       {RVK_CheckTga, Tga(10, 2, 32, "\x01rgbargb"), "cut short"},
       {RVK_CheckWav, Wav(pcm + Chunk("data", "ab")), ""},
       {RVK_CheckWav, Wav(pcm + Chunk("data", "abc") + "p"), ""},
-      {RVK_CheckWav, Wav(pcm + Chunk("data", "ab")).substr(0, 45), "cut short"},
+      {RVK_CheckWav, Wav(pcm + Chunk("data", "abc")).substr(0, 46), "cut short"},
       {RVK_CheckWav, Wav(Chunk("odd ", "x") + "p" + pcm + Chunk("data", "ab")),
        "cut short, or a chunk of odd length before the end"},
       {RVK_CheckWav, Wav(Chunk("data", "ab") + pcm), "more than one sound, or one before its format"},
