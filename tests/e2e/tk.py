@@ -194,10 +194,6 @@ class Game:
         self.display.xdotool("keyup", name)
         time.sleep(after)
 
-    def type_text(self, text):
-        for ch in text:
-            self.key(ch, hold=0.06, after=0.06)
-
     def move(self, x, y, after=0.1):
         """Moves the pointer to window coordinates."""
         self.display.xdotool("mousemove", self.origin[0] + x, self.origin[1] + y)
