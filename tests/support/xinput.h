@@ -29,7 +29,7 @@ inline std::string TkWindowId() {
   // The window may still be moved into place: a pointer put on it before
   // would land elsewhere on it after.
   std::string position, last;
-  for (int attempt = 0; attempt < 50 && (position.empty() || position != last); attempt++, rest(50)) {
+  for (int attempt = 0, same = 0; attempt < 50 && same < 4; attempt++, rest(50)) {
     last = position;
     char line[64] = {0};
     if (FILE *p = popen(("xdotool getwindowgeometry " + id + " | grep Position").c_str(), "r")) {
@@ -37,6 +37,7 @@ inline std::string TkWindowId() {
       pclose(p);
     }
     position = line;
+    same = !position.empty() && position == last ? same + 1 : 0;
   }
   return id;
 }
@@ -54,21 +55,29 @@ inline std::string TkMoveCommand(int x, int y) {
 }
 
 // Moves the real pointer; the move is sent again in case the window wasn't
-// listening yet.
+// listening yet, or moved on after the pointer had reached its spot.
 inline bool TkMovePointer(int x, int y) {
+  auto there = [&] { return mouse_x == x && mouse_y == y; };
   for (int attempt = 0; attempt < 6; attempt++) {
     if (std::system(TkMoveCommand(x, y).c_str()) != 0) return false;
-    if (TkWaitFor([&] { return mouse_x == x && mouse_y == y; }, 500)) return true;
+    if (TkWaitFor(there, 500) && (rest(50), there())) return true;
   }
   return false;
 }
 
 // Presses or lets go of mouse button 1 where the pointer stands; Allegro may
-// move its pointer on the way, so that is waited for back in place too.
+// move its pointer on the way, so that is waited for back in place too. On a
+// busy machine the window can still be moving into place, carrying the spot
+// away from under the pointer: then the pointer is put back and the button
+// sent again.
 inline bool TkMouse(bool down) {
   int x = mouse_x, y = mouse_y;
-  std::system(down ? "xdotool mousedown 1" : "xdotool mouseup 1");
-  return TkWaitFor([=] { return ((mouse_b & 1) != 0) == down && mouse_x == x && mouse_y == y; });
+  for (int attempt = 0; attempt < 3; attempt++) {
+    std::system(down ? "xdotool mousedown 1" : "xdotool mouseup 1");
+    if (TkWaitFor([=] { return ((mouse_b & 1) != 0) == down && mouse_x == x && mouse_y == y; }, 3000)) return true;
+    TkMovePointer(x, y);
+  }
+  return false;
 }
 
 // Presses or lets go of the key xdotool calls name, Allegro scancode.
