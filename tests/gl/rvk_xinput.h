@@ -16,6 +16,9 @@ inline void Key(const char *name, int code, bool down) { EXPECT_TRUE(TkKey(name,
 // Allegro's messages open xmessage, which waits: ours answers at once.
 inline const std::string TkQuietFolder = [] {
   std::string folder = "/tmp/rvk_quiet_" + std::to_string(getpid());
+  // A run ended by a signal leaves its folder, which a later process may meet
+  // under the same number.
+  std::filesystem::remove_all(folder);
   std::filesystem::create_directories(folder);
   std::filesystem::create_symlink("/bin/true", folder + "/xmessage");
   setenv("PATH", (folder + ":" + std::getenv("PATH")).c_str(), 1);
