@@ -141,7 +141,7 @@ TEST_F(Screen, CataloguesStopAtABrokenEntry) {
   Catalogue(1, 3, Entry(1, 0) + "[eyes1]\nRightModel = a.ms3d\n" + Entry(1, 2));
   Catalogue(3, 1, Entry(3, 0) + Entry(3, 1));
   Catalogue(7, 3, Entry(7, 0) + Entry(7, 1) + Entry(7, 2));
-  Catalogue(8, 1, Entry(8, 0, "backfaces = 2\nOffsetX = 1.5\nOffsetZ = -2\nname = Cap\n"));
+  Catalogue(8, 2, Entry(8, 0, "backfaces = 2\nOffsetX = 1.5\nOffsetZ = -2\nname = Cap\n") + Entry(8, 1));
   SoundOn = true;
   ASSERT_TRUE(LoadGame(G));
   const CharacterEntry &b = G.Characters[0];
@@ -149,9 +149,9 @@ TEST_F(Screen, CataloguesStopAtABrokenEntry) {
   const PickerBarClass &hats = G.HatBar;
   string rows;
   for (int i = 0; i < 9; i++) rows += to_string(G.Bar(i).Rows.size());
-  EXPECT_EQ(Str(b.CameraPos[0], b.CameraPos[1], b.CameraPos[2], b.Hat[2], b.Scale, G.Characters[1].Name, G.Eyes[0].Name, h.Name, h.BackFaces, h.Offset[0], h.Offset[1], h.Offset[2], rows,
+  EXPECT_EQ(Str(b.CameraPos[0], b.CameraPos[1], b.CameraPos[2], b.Hat[2], b.Scale, G.Characters[1].Name, G.Eyes[0].Name, h.Name, h.BackFaces, G.Hats[1].BackFaces, h.Offset[0], h.Offset[1], h.Offset[2], rows,
                 G.LoadError, Said("Loaded 1 noses")),
-            "1 2 -500 3 2.5 (no name)  Cap 1 1.5 0 -2 222222242 Unable to load model from data/eyes/ 1 ");
+            "1 2 -500 3 2.5 (no name)  Cap 1 0 1.5 0 -2 222222243 Unable to load model from data/eyes/ 1 ");
   EXPECT_EQ(Str(G.CharacterBar.BackgroundColour == makecol(151, 151, 151), hats.BackgroundColour == makecol(51, 127, 178),
                 hats.Y - text_height(RVK_FontStandard), hats.Y + hats.Height),
             "1 1 48 599 ");
