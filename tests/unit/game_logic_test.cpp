@@ -159,6 +159,15 @@ TEST_F(Rules, PartsTakeWhatTheirCatalogueHas) {
   EXPECT_EQ(Said(), "Not playing sample - sample is NULL|");
 }
 
+TEST_F(Rules, ReloadTakesNumbersPastTheEndBackToTheFirst) {
+  PlayerClass &a = G.Players[0], &b = G.Players[1];
+  a.CharacterNumber = 3, a.EyesNumber = 2, a.FeetNumber = -1, a.HatNumber = 4;
+  b.CharacterNumber = 2, b.EyesNumber = 1, b.HatNumber = 3;
+  RepointAfterReload(G);
+  EXPECT_EQ(Parts(a) + Parts(b) + Str(a.Character == &G.Characters[0], b.Character == &G.Characters[2]),
+            "0 0 0 0 0 0 0 -1 0 2 1 0 0 0 0 0 0 3 1 1 ");
+}
+
 TEST_F(Rules, FaceMotion) {
   // Each step: the mode, the eyebrows before, the rolls offered and taken,
   // the face after. The brows lift to 1.5 and fall by 0.25 at once.
