@@ -19,6 +19,7 @@
 static const char *const DATAFILE_NAME = "Tumblekin.dat";
 
 int main(int argc, char **argv) {
+  KeepFrameMemory();
   srand((unsigned)time(nullptr));
   // Without Allegro nothing can be shown, not even a message.
   if (allegro_init() != 0) return 1;

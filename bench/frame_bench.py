@@ -1,8 +1,9 @@
 """Frame benchmark: single-player mode with the most complex body (the one
 with the largest model file) fully dressed in the first entry of every
 catalogue, as a new game starts. Prints the busy time per frame from the
-frame trace (TUMBLEKIN_FRAME_TRACE).
-Usage: python3 bench/frame_bench.py [SECONDS]"""
+frame trace (TUMBLEKIN_FRAME_TRACE), while the load's messages are on the
+console and after they have gone, for each run and the median of the runs.
+Usage: python3 bench/frame_bench.py [SECONDS] [RUNS]"""
 import configparser
 import os
 import sys
@@ -33,11 +34,10 @@ def most_complex_body():
     return best, best_size, found
 
 
-seconds = float(sys.argv[1]) if len(sys.argv) > 1 else 10.0
-row, size, bodies = most_complex_body()
-with tk.VirtualDisplay() as display:
+def run(display, seconds, row, bodies):
     game = tk.Game(display, settings=tk.DEFAULT_SETTINGS, trace=True)
     try:
+        launched = time.time()
         gamebench.start_new_game(game)
         # Scroll the body bar with its Down button at the foot, one row a
         # press as far as it goes, then pick the row where it now stands. An
@@ -47,10 +47,16 @@ with tk.VirtualDisplay() as display:
             game.click(65, 580)
         game.click(65, 160 + 130 * (row - steps))
         game.move(700, 500)
-        time.sleep(1.0)
-        frames = game.record_frames(seconds)
+        return gamebench.record_phases(game, seconds, launched)
     finally:
         game.stop()
 
-print("body row %d (model file %d bytes), fully dressed" % (row, size))
-gamebench.print_busy(frames, 20)
+
+seconds = float(sys.argv[1]) if len(sys.argv) > 1 else 10.0
+runs = int(sys.argv[2]) if len(sys.argv) > 2 else 3
+row, size, bodies = most_complex_body()
+with tk.VirtualDisplay() as display:
+    phases = [run(display, seconds, row, bodies) for _ in range(runs)]
+
+print("body row %d (model file %d bytes), fully dressed, %d runs" % (row, size, runs))
+gamebench.print_phases(phases, 20)

@@ -2,8 +2,9 @@
 display, seven clients on 127.0.0.1 (build/bench/seven_clients, which speak
 the wire format and draw nothing) join it, each dressed differently, and the
 server's frames are measured from its frame trace (TUMBLEKIN_FRAME_TRACE):
-the busy time per frame, as bench/frame_bench.py prints it.
-Usage: python3 bench/players_bench.py [SECONDS]"""
+the busy time per frame while the joins' messages are on the console and
+after they have gone, as bench/frame_bench.py prints it.
+Usage: python3 bench/players_bench.py [SECONDS] [RUNS]"""
 import os
 import subprocess
 import sys
@@ -48,26 +49,32 @@ def host(game):
     game.move(700, 500)
 
 
-seconds = float(sys.argv[1]) if len(sys.argv) > 1 else 10.0
-settings = {s: dict(k) for s, k in tk.DEFAULT_SETTINGS.items()}
-settings["network"].update({"PlayerName": "Host", "LocalServerPort": PORT, "RemoteServerPort": PORT})
-clients_program = os.path.join(tk.BUILD_DIR, "bench", "seven_clients")
-with tk.VirtualDisplay() as display:
+def run(display, seconds):
     game = tk.Game(display, settings=settings, trace=True)
     clients = None
     try:
         host(game)
-        clients = subprocess.Popen([clients_program, str(PORT), str(seconds + SETTLE + 30)],
-                                   stdout=subprocess.PIPE, text=True)
+        lifetime = seconds + SETTLE + gamebench.CONSOLE_LINE_SECONDS + 30
+        clients = subprocess.Popen([clients_program, str(PORT), str(lifetime)], stdout=subprocess.PIPE, text=True)
         if "joined" not in clients.stdout.readline():
             sys.exit("the seven clients did not join")
+        # The last messages are the picks that follow the joins.
         time.sleep(SETTLE)
-        frames = game.record_frames(seconds)
+        return gamebench.record_phases(game, seconds, time.time())
     finally:
         if clients is not None and clients.poll() is None:
             clients.terminate()
             clients.wait()
         game.stop()
 
-print("server with seven clients on 127.0.0.1, eight players dressed differently")
-gamebench.print_busy(frames, 40)
+
+seconds = float(sys.argv[1]) if len(sys.argv) > 1 else 10.0
+runs = int(sys.argv[2]) if len(sys.argv) > 2 else 3
+settings = {s: dict(k) for s, k in tk.DEFAULT_SETTINGS.items()}
+settings["network"].update({"PlayerName": "Host", "LocalServerPort": PORT, "RemoteServerPort": PORT})
+clients_program = os.path.join(tk.BUILD_DIR, "bench", "seven_clients")
+with tk.VirtualDisplay() as display:
+    phases = [run(display, seconds) for _ in range(runs)]
+
+print("server with seven clients on 127.0.0.1, eight players dressed differently, %d runs" % runs)
+gamebench.print_phases(phases, 40)

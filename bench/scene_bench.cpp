@@ -14,6 +14,7 @@
 //   scene_bench [FRAMES]   (100 by default)
 #include "app/game.h"
 #include "app/scene.h"
+#include "app/startup.h"
 #include "character/catalogue.h"
 #include "character/drawplayer.h"
 #include "rvk/console.h"
@@ -175,6 +176,7 @@ void Measure(const char *name, std::vector<PlayerClass> &players, bool single, i
 
 int main(int argc, char **argv) {
   const int frames = argc > 1 ? std::max(1, std::atoi(argv[1])) : 100;
+  KeepFrameMemory();
   if (allegro_init() != 0 || install_allegro_gl() != 0) {
     std::fprintf(stderr, "scene_bench: allegro_init failed\n");
     return 1;
