@@ -108,8 +108,10 @@ static void CreateToolbar(ToolbarClass &toolbar) {
 }
 
 // The catalogues come back in pieces of other sizes than the ones they
-// freed, and the C library keeps freed pages for itself; handing them back
-// keeps a session that reloads again and again at the memory of one load.
+// freed, and the C library keeps freed pages for itself, the more so since
+// KeepFrameMemory; handing them back once the new catalogues stand, the old
+// ones' and the load's scratch alike, keeps a session that reloads again and
+// again at the memory of one load.
 static void ReleaseFreedMemory() {
 #ifdef __GLIBC__
   malloc_trim(0);
@@ -119,8 +121,9 @@ static void ReleaseFreedMemory() {
 // Answers false when the game can't go on: the user has been told why.
 static bool ReloadData(GameClass &game) {
   UnloadGame(game);
+  const bool loaded = LoadGame(game);
   ReleaseFreedMemory();
-  if (!LoadGame(game)) {
+  if (!loaded) {
     RVK_MessageBox("%s", game.LoadError.c_str());
     return false;
   }

@@ -7,6 +7,7 @@ the messages of the load (or of the joins), whose text costs the software
 renderer a draw for every letter, and then once those lines have left it,
 the frame a player lives with for the rest of a session; the target holds
 for that one."""
+import os
 import statistics
 import sys
 import time
@@ -18,15 +19,39 @@ CONSOLE_LINE_SECONDS = 14.0
 EARLY_SKIP = 0.5
 
 
+class Phase:
+    """The frames of a stretch of time and the processor time that the
+    program, all its threads, spent in it."""
+
+    def __init__(self, frames, cpu_seconds):
+        self.frames, self.cpu_seconds = frames, cpu_seconds
+
+    def cpu_ms_per_frame(self):
+        return self.cpu_seconds * 1000.0 / max(1, len(self.frames))
+
+
+def cpu_seconds(pid):
+    """User and system time of a process so far, all its threads."""
+    with open("/proc/%d/stat" % pid) as f:
+        fields = f.read().rsplit(")", 1)[1].split()
+    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
+def record_phase(game, seconds):
+    start = cpu_seconds(game.proc.pid)
+    frames = game.record_frames(seconds)
+    return Phase(frames, cpu_seconds(game.proc.pid) - start)
+
+
 def record_phases(game, seconds, since):
     """The frames while the console shows the lines written at `since` (a
     time.time()), from now until just before they go, and then `seconds` of
     frames once they have gone."""
     gone = since + CONSOLE_LINE_SECONDS
     time.sleep(EARLY_SKIP)
-    early = game.record_frames(max(0.0, gone - time.time() - EARLY_SKIP))
+    early = record_phase(game, max(0.0, gone - time.time() - EARLY_SKIP))
     time.sleep(max(0.0, gone - time.time()))
-    return early, game.record_frames(seconds)
+    return early, record_phase(game, seconds)
 
 
 def busy_ms(frames):
@@ -40,11 +65,15 @@ def busy_ms(frames):
 
 def print_phases(runs, target_percent):
     """Prints each run's two phases and the median over the runs, `runs`
-    being (early frames, late frames) pairs."""
+    being (early, late) pairs of phases. The processor time counts the
+    drawing threads of the software renderer too, so it can pass the busy
+    time; the busy time counts waits, such as a server's wait for packets."""
     for name, index in (("with the console's messages on the screen", 0), ("after they have gone", 1)):
-        figures = [busy_ms(run[index]) for run in runs]
-        print("%s: busy time per frame, median of each run %s, 95th percentile %s" % (
-            name, ", ".join("%.2f ms" % m for m, _ in figures), ", ".join("%.2f ms" % p for _, p in figures)))
+        figures = [busy_ms(run[index].frames) for run in runs]
+        cpu = [run[index].cpu_ms_per_frame() for run in runs]
+        print("%s: busy time per frame, median of each run %s, 95th percentile %s; processor time per frame %s" % (
+            name, ", ".join("%.2f ms" % m for m, _ in figures), ", ".join("%.2f ms" % p for _, p in figures),
+            ", ".join("%.2f ms" % c for c in cpu)))
         median = statistics.median(m for m, _ in figures)
         print("  median %.2f ms, %.1f %% of the %.1f ms frame%s" % (
             median, median / FRAME_MS * 100, FRAME_MS, " (target under %d %%)" % target_percent if index else ""))

@@ -59,6 +59,14 @@ void Press(const char *name, int scancode, bool waits = false) {
   TkKey(name, scancode, false);
   Frames(3);
 }
+// Pixels of the screen in a colour, read through X: safe beside the loop.
+long OnScreen(TkPixel colour) {
+  FILE *p = popen("import -window root -depth 8 rgb:-", "r");
+  long n = 0;
+  for (TkPixel px; p && std::fread(&px, 3, 1, p) == 1;) n += px == colour;
+  if (p) pclose(p);
+  return n;
+}
 void Click(int x, int y) {
   TkMovePointer(x, y);
   Frames(2);
@@ -383,6 +391,13 @@ TEST_F(Screen, MenuAndGames) {
     auto local = [] { return Str(G.GetPlayerCount(), G.LocalPlayer->PlayerName, G.LocalPlayer->PlayerId, G.Toolbar.Title); };
     [&] {
       Frames(2);
+      // Help shows the readme on the viewer's backdrop until Done.
+      Type("Down Down Return");
+      const TkPixel backdrop{129, 162, 255};
+      EXPECT_TRUE(TkWaitFor([&] { return OnScreen(backdrop) > 10000; }));
+      Press("Return", KEY_ENTER);
+      EXPECT_TRUE(TkWaitFor([&] { return OnScreen(backdrop) == 0; }));
+      Type("Up Up");
       Type("Return");
       ASSERT_TRUE(in(GAME_MODE_SINGLE));
       EXPECT_EQ(local(), "1 Player 0 (no name) ");

@@ -1,8 +1,6 @@
 // The GL tests' X input; for the library's, pixels read as letters.
 #pragma once
 #include <gtest/gtest.h>
-#include <unistd.h>
-#include <filesystem>
 #include <map>
 #include <sstream>
 #include "rvk/core.h"
@@ -12,19 +10,6 @@
 inline void Move(int x, int y) { EXPECT_TRUE(TkMovePointer(x, y)) << x << "," << y; }
 inline void Press(bool down = true) { EXPECT_TRUE(TkMouse(down)); }
 inline void Key(const char *name, int code, bool down) { EXPECT_TRUE(TkKey(name, code, down)) << name; }
-
-// Allegro's messages open xmessage, which waits: ours answers at once.
-inline const std::string TkQuietFolder = [] {
-  std::string folder = "/tmp/rvk_quiet_" + std::to_string(getpid());
-  // A run ended by a signal leaves its folder, which a later process may meet
-  // under the same number.
-  std::filesystem::remove_all(folder);
-  std::filesystem::create_directories(folder);
-  std::filesystem::create_symlink("/bin/true", folder + "/xmessage");
-  setenv("PATH", (folder + ":" + std::getenv("PATH")).c_str(), 1);
-  std::atexit([] { std::filesystem::remove_all(TkQuietFolder); });
-  return folder;
-}();
 
 // Values joined by blanks; braces evaluate them in order.
 struct J {

@@ -1,7 +1,26 @@
-// Shared by the GL tests: the window size gl_main opens and pixel read-back.
+// Shared by the GL tests: the window size gl_main opens, pixel read-back,
+// and Allegro's messages kept from waiting.
 #pragma once
 #include <GL/gl.h>
+#include <unistd.h>
 #include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+// Allegro's messages open xmessage, which waits for a click that no test
+// gives: ours answers at once.
+inline const std::string TkQuietFolder = [] {
+  std::string folder = "/tmp/tk_quiet_" + std::to_string(getpid());
+  // A run ended by a signal leaves its folder, which a later process may meet
+  // under the same number.
+  std::filesystem::remove_all(folder);
+  std::filesystem::create_directories(folder);
+  std::filesystem::create_symlink("/bin/true", folder + "/xmessage");
+  setenv("PATH", (folder + ":" + std::getenv("PATH")).c_str(), 1);
+  std::atexit([] { std::filesystem::remove_all(TkQuietFolder); });
+  return folder;
+}();
 
 const int TK_SCREEN_W = 800;
 const int TK_SCREEN_H = 600;
