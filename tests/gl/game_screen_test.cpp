@@ -241,7 +241,7 @@ TEST_F(Screen, LightsTurnsBackdropAndFont) {
   for (const auto &b : {make_pair(false, TkPixel{10, 20, 30}), make_pair(true, TkPixel{5, 10, 135})}) {
     RVK_BeginFrame();
     G.DrawMenuBackground(b.first);
-    EXPECT_TRUE(TkReadPixel(0, 0) == b.second && TkReadPixel(799, 599) == b.second);
+    EXPECT_TRUE(TkReadPixel(0, 0) == b.second && TkReadPixel(400, 300) == b.second && TkReadPixel(799, 599) == b.second);
     RVK_End2D(0);
   }
   // The library's font and its lists go.
@@ -391,10 +391,10 @@ TEST_F(Screen, MenuAndGames) {
     auto local = [] { return Str(G.GetPlayerCount(), G.LocalPlayer->PlayerName, G.LocalPlayer->PlayerId, G.Toolbar.Title); };
     [&] {
       Frames(2);
-      // Help shows the readme on the viewer's backdrop until Done.
+      // Help shows the readme in a list on the viewer's backdrop until Done.
       Type("Down Down Return");
       const TkPixel backdrop{129, 162, 255};
-      EXPECT_TRUE(TkWaitFor([&] { return OnScreen(backdrop) > 10000; }));
+      EXPECT_TRUE(TkWaitFor([&] { return OnScreen(backdrop) > 10000 && OnScreen(TkPixel{219, 219, 219}) > 300000; }));
       Press("Return", KEY_ENTER);
       EXPECT_TRUE(TkWaitFor([&] { return OnScreen(backdrop) == 0; }));
       Type("Up Up");
