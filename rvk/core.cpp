@@ -314,6 +314,9 @@ static void SpinOnFrameTimer() {
 }
 
 void RVK_WaitFrame() {
+  // The frame is drawn, but a renderer may hold its commands until the flip
+  // after the wait: handed over now, they are carried out while we wait.
+  glFlush();
   if (FrameTrace == nullptr) {
     SpinOnFrameTimer();
     return;
