@@ -110,7 +110,7 @@ static void CreateToolbar(ToolbarClass &toolbar) {
 // The catalogues come back in pieces of other sizes than the ones they
 // freed, and the C library keeps freed pages for itself, the more so since
 // KeepFrameMemory; handing them back once the new catalogues stand, the old
-// ones' and the load's scratch alike, keeps a session that reloads again and
+// ones' and the load's scratch alike, keeps a game that reloads again and
 // again at the memory of one load.
 static void ReleaseFreedMemory() {
 #ifdef __GLIBC__

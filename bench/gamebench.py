@@ -5,7 +5,7 @@ against the 22.2 ms that a frame has at 45 a second.
 The frames are measured twice in a run: first while the console still shows
 the messages of the load (or of the joins), whose text costs the software
 renderer a draw for every letter, and then once those lines have left it,
-the frame a player lives with for the rest of a session; the target holds
+the frame a player lives with for the rest of a game; the target holds
 for that one."""
 import os
 import statistics
