@@ -59,9 +59,10 @@ void Press(const char *name, int scancode, bool waits = false) {
   TkKey(name, scancode, false);
   Frames(3);
 }
-// Pixels of the screen in a colour, read through X: safe beside the loop.
-long OnScreen(TkPixel colour) {
-  FILE *p = popen("import -window root -depth 8 rgb:-", "r");
+// Pixels of the screen, or of a part ("WxH+X+Y"), in a colour, read through
+// X: safe beside the loop.
+long OnScreen(TkPixel colour, const string &part = "") {
+  FILE *p = popen(("import -window root " + (part.empty() ? "" : "-crop " + part) + " -depth 8 rgb:-").c_str(), "r");
   long n = 0;
   for (TkPixel px; p && std::fread(&px, 3, 1, p) == 1;) n += px == colour;
   if (p) pclose(p);
@@ -397,6 +398,8 @@ TEST_F(Screen, MenuAndGames) {
       EXPECT_TRUE(TkWaitFor([&] { return OnScreen(backdrop) > 10000 && OnScreen(TkPixel{219, 219, 219}) > 300000; }));
       Press("Return", KEY_ENTER);
       EXPECT_TRUE(TkWaitFor([&] { return OnScreen(backdrop) == 0; }));
+      // Back on the menu, its title and the words at the top right.
+      EXPECT_GT(OnScreen(TkPixel{255, 255, 255}, "800x16+0+8"), 200);
       Type("Up Up");
       Type("Return");
       ASSERT_TRUE(in(GAME_MODE_SINGLE));
