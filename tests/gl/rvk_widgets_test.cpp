@@ -345,15 +345,17 @@ TEST(Widgets, Sliders) {
   Once(run);
   EXPECT_EQ((J{H(98, 107, 205), V(407, 98, 205), H(98, 207, 205), H(98, 124, 8), V(165, 110, 40)}),
             "2P1t179d1T19K1k2P 2P1T49K1k149d1l2P 2P1t199d1l2P 4P2?1P1? 4d1l9P21?5P");
-  std::string values;
-  for (auto [x, y] : {std::pair{100, 107}, {110, 107}, {200, 107}, {300, 107}, {407, 250}, {150, 207}}) {
+  std::string values, knob;
+  // The last press is on the vertical slider's top edge.
+  for (auto [x, y] : {std::pair{100, 107}, {110, 107}, {200, 107}, {300, 107}, {407, 250}, {150, 207}, {407, 100}}) {
     Move(x, y);
     Press();
     Once(run);
     Press(false);
     values += (J{value, level}) + ",";
+    if (y == 207) Once(run), knob = V(407, 98, 205);
   }
-  EXPECT_EQ(values, "0 0,0 0,5 0,10 0,10 2,10 2,");
+  EXPECT_EQ((J{values, knob}), "0 0,0 0,5 0,10 0,10 2,10 2,10 0, 2P1t99d1T49K1k49d1l2P");
 }
 
 TEST(Widgets, MessageBoxAndTextViewer) {
