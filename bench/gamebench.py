@@ -79,10 +79,15 @@ def print_phases(runs, target_percent):
             median, median / FRAME_MS * 100, FRAME_MS, " (target under %d %%)" % target_percent if index else ""))
 
 
-def start_new_game(game, settle=1.0):
-    """Launches the game, waits for its menu and picks New Game, which dresses
+def pick_new_game(game, settle=1.0):
+    """Waits for the menu of a started game and picks New Game, which dresses
     the first body in the first entry of every catalogue."""
-    game.start()
     game.wait_drawn()
     game.key("Return")
     time.sleep(settle)
+
+
+def start_new_game(game, settle=1.0):
+    """Launches the game and picks New Game from its menu."""
+    game.start()
+    pick_new_game(game, settle)

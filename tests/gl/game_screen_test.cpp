@@ -59,15 +59,6 @@ void Press(const char *name, int scancode, bool waits = false) {
   TkKey(name, scancode, false);
   Frames(3);
 }
-// Pixels of the screen, or of a part ("WxH+X+Y"), in a colour, read through
-// X: safe beside the loop.
-long OnScreen(TkPixel colour, const string &part = "") {
-  FILE *p = popen(("import -window root " + (part.empty() ? "" : "-crop " + part) + " -depth 8 rgb:-").c_str(), "r");
-  long n = 0;
-  for (TkPixel px; p && std::fread(&px, 3, 1, p) == 1;) n += px == colour;
-  if (p) pclose(p);
-  return n;
-}
 void Click(int x, int y) {
   TkMovePointer(x, y);
   Frames(2);
@@ -395,11 +386,14 @@ TEST_F(Screen, MenuAndGames) {
       // Help shows the readme in a list on the viewer's backdrop until Done.
       Type("Down Down Return");
       const TkPixel backdrop{129, 162, 255};
-      EXPECT_TRUE(TkWaitFor([&] { return OnScreen(backdrop) > 10000 && OnScreen(TkPixel{219, 219, 219}) > 300000; }));
+      EXPECT_TRUE(TkWaitFor([&] {
+        TkShot shot;
+        return shot.Count(backdrop) > 10000 && shot.Count(TkPixel{219, 219, 219}) > 300000;
+      }));
       Press("Return", KEY_ENTER);
-      EXPECT_TRUE(TkWaitFor([&] { return OnScreen(backdrop) == 0; }));
+      EXPECT_TRUE(TkWaitFor([&] { return TkShot().Count(backdrop) == 0; }));
       // Back on the menu, its title and the words at the top right.
-      EXPECT_GT(OnScreen(TkPixel{255, 255, 255}, "800x16+0+8"), 200);
+      EXPECT_GT(TkShot().Count(TkPixel{255, 255, 255}, 0, 8, 800, 16), 200);
       Type("Up Up");
       Type("Return");
       ASSERT_TRUE(in(GAME_MODE_SINGLE));

@@ -15,20 +15,9 @@
 
 const TkPixel TITLE = {3, 3, 255}, BODY = {147, 147, 147}, FIELD = {255, 255, 255}, EDGE = {115, 115, 115};
 
-// The screen now; the window is at its upper left.
-class Shot {
+// The screen now, with the dialogs' marks.
+class Shot : public TkShot {
 public:
-  int W = 0, H = 0;
-  std::vector<TkPixel> Rgb;
-  Shot() {
-    FILE *p = popen("import -window root -depth 8 ppm:-", "r");
-    if (p && std::fscanf(p, "P6 %d %d 255", &W, &H) == 2 && std::fgetc(p) != EOF) {
-      Rgb.resize((size_t)W * H);
-      Rgb.resize(std::fread(Rgb.data(), 3, Rgb.size(), p));
-    }
-    if (p) pclose(p);
-  }
-  TkPixel At(int x, int y) const { return (size_t)(y * W + x) < Rgb.size() ? Rgb[y * W + x] : TkPixel{}; }
   // Inside the right end of a field `chars` wide, `lines` lines below the top
   // of the dialog at (100, 100).
   TkPixel Field(int chars, int lines) const {
@@ -36,7 +25,7 @@ public:
     return At(106 + RVK_TextWidthForChars(RVK_FontStandard, chars), 100 + lines * h + h / 2);
   }
   // A message box alone; a dialog; one with three fields.
-  bool Box() const { return std::count(Rgb.begin(), Rgb.end(), TITLE) > 1000 && At(400, 102) == TkPixel{}; }
+  bool Box() const { return Count(TITLE) > 1000 && At(400, 102) == TkPixel{}; }
   bool Dialog() const { return At(400, 102) == TITLE; }
   bool Connect() const { return Dialog() && Field(10, 9) == FIELD; }
 };
