@@ -25,7 +25,7 @@ if len(frames) < 2:
     sys.exit("no frames were traced")
 span = (frames[-1][0] - frames[0][0]) / 1e6
 fps = (len(frames) - 1) / span
-busy = sorted(b for _, b in frames)
+busy = sorted(b for _, b, _ in frames)
 p95 = busy[int(len(busy) * 0.95) - 1]
 print("frames: %d in %.2f s" % (len(frames), span))
 print("frames per second: %.2f (target 45.0 +/- 0.5)" % fps)

@@ -55,28 +55,37 @@ def record_phases(game, seconds, since):
 
 
 def busy_ms(frames):
-    """Median and 95th percentile busy time in ms of (time stamp, busy time)
-    pairs in microseconds; ends the run without enough frames to tell."""
+    """Median and 95th percentile busy time in ms of traced frames (time
+    stamp, busy time, wait for packets, in microseconds), and the median of
+    the busy time without the wait; ends the run without enough frames to
+    tell."""
     if len(frames) < 2:
         sys.exit("no frames were traced")
-    busy = sorted(b for _, b in frames)
-    return statistics.median(busy) / 1000.0, busy[int(len(busy) * 0.95) - 1] / 1000.0
+    busy = sorted(b for _, b, _ in frames)
+    own = statistics.median(b - w for _, b, w in frames)
+    return statistics.median(busy) / 1000.0, busy[int(len(busy) * 0.95) - 1] / 1000.0, own / 1000.0
 
 
 def print_phases(runs, target_percent):
     """Prints each run's two phases and the median over the runs, `runs`
     being (early, late) pairs of phases. The processor time counts the
     drawing threads of the software renderer too, so it can pass the busy
-    time; the busy time counts waits, such as a server's wait for packets."""
+    time. The busy time counts a server's wait for packets, which its poll
+    spends every frame that none come; where there is one, the busy time
+    without it follows."""
     for name, index in (("with the console's messages on the screen", 0), ("after they have gone", 1)):
         figures = [busy_ms(run[index].frames) for run in runs]
         cpu = [run[index].cpu_ms_per_frame() for run in runs]
         print("%s: busy time per frame, median of each run %s, 95th percentile %s; processor time per frame %s" % (
-            name, ", ".join("%.2f ms" % m for m, _ in figures), ", ".join("%.2f ms" % p for _, p in figures),
+            name, ", ".join("%.2f ms" % m for m, _, _ in figures), ", ".join("%.2f ms" % p for _, p, _ in figures),
             ", ".join("%.2f ms" % c for c in cpu)))
-        median = statistics.median(m for m, _ in figures)
+        median = statistics.median(m for m, _, _ in figures)
         print("  median %.2f ms, %.1f %% of the %.1f ms frame%s" % (
             median, median / FRAME_MS * 100, FRAME_MS, " (target under %d %%)" % target_percent if index else ""))
+        own = [o for m, _, o in figures]
+        if any(o != m for m, _, o in figures):
+            print("  without the wait for packets: median of each run %s; median %.2f ms, %.1f %% of the frame" % (
+                ", ".join("%.2f ms" % o for o in own), statistics.median(own), statistics.median(own) / FRAME_MS * 100))
 
 
 def pick_new_game(game, settle=1.0):

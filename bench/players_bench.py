@@ -3,7 +3,8 @@ display, seven clients on 127.0.0.1 (build/bench/seven_clients, which speak
 the wire format and draw nothing) join it, each dressed differently, and the
 server's frames are measured from its frame trace (TUMBLEKIN_FRAME_TRACE):
 the busy time per frame while the joins' messages are on the console and
-after they have gone, as bench/frame_bench.py prints it.
+after they have gone, as bench/frame_bench.py prints it, and the same without
+the time the server's poll waited for packets that didn't come.
 Usage: python3 bench/players_bench.py [SECONDS] [RUNS]"""
 import os
 import subprocess

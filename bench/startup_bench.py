@@ -41,21 +41,15 @@ def resident_mb(pid):
     return statistics.median(readings)
 
 
-def traced_frames(game):
-    """(time stamp, busy time) of every frame traced so far."""
-    with open(game.trace) as f:
-        return [tuple(int(v) for v in line.split()) for line in f if len(line.split()) == 2]
-
-
 def reload(game):
     """Presses F5 and waits until the frame that reloaded and the frames after
     it have been traced."""
-    seen = len(traced_frames(game))
+    seen = len(game.traced_frames())
     game.key("F5")
     deadline = time.time() + 60
     while time.time() < deadline:
-        frames = traced_frames(game)[seen:]
-        slow = [i for i, (_, busy) in enumerate(frames) if busy >= RELOAD_FRAME_US]
+        frames = game.traced_frames()[seen:]
+        slow = [i for i, (_, busy, _) in enumerate(frames) if busy >= RELOAD_FRAME_US]
         if slow and len(frames) - slow[0] > FRAMES_AFTER_RELOAD:
             return
         time.sleep(0.05)

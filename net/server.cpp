@@ -12,6 +12,8 @@
 #include "net/netstate.h"
 #include "net/send.h"
 #include "rvk/console.h"
+#include "rvk/core.h"
+#include "rvk/timer.h"
 
 static int White() { return makecol(255, 255, 255); }
 
@@ -224,14 +226,19 @@ static double NowMs() {
 // Only the first call waits for an event, up to the whole budget; the budget
 // is then spent on handling events, and those left over when it runs out
 // stay in ENet's queues, in their order, for the next frame's poll.
-void NET_ServerPollWithin(double budgetMs) {
-  if (!NetHost) return;
+int64_t NET_ServerPollWithin(double budgetMs) {
+  if (!NetHost) return 0;
   const double start = NowMs();
   ENetEvent event;
-  for (auto wait = (enet_uint32)budgetMs; enet_host_service(NetHost, &event, wait) > 0; wait = 0) {
+  for (auto wait = (enet_uint32)budgetMs;; wait = 0) {
+    const int64_t asked = RVK_ClockMicroseconds();
+    if (enet_host_service(NetHost, &event, wait) <= 0) {
+      // Nothing came: a call that could wait spent its time waiting.
+      return wait > 0 ? RVK_ClockMicroseconds() - asked : 0;
+    }
     NET_ServerHandleEvent(event);
-    if (NowMs() - start >= budgetMs) break;
+    if (NowMs() - start >= budgetMs) return 0;
   }
 }
 
-void NET_ServerPoll() { NET_ServerPollWithin(SERVER_POLL_BUDGET_MS); }
+void NET_ServerPoll() { RVK_NoteWait(NET_ServerPollWithin(SERVER_POLL_BUDGET_MS)); }

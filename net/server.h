@@ -9,10 +9,12 @@
 // that sends as fast as it can must not hold up the host's frames.
 const double SERVER_POLL_BUDGET_MS = 5;
 
+// Polls within SERVER_POLL_BUDGET_MS and notes its wait for packets that
+// didn't come in the frame trace.
 void NET_ServerPoll();
 // One poll that handles events for at most `budgetMs` (and at least one
-// event, if one is there).
-void NET_ServerPollWithin(double budgetMs);
+// event, if one is there); gives the microseconds it waited in vain.
+int64_t NET_ServerPollWithin(double budgetMs);
 // Handles one event of the server's host: a connect, a packet or a disconnect.
 void NET_ServerHandleEvent(ENetEvent &event);
 void NET_RemovePlayer(int number);

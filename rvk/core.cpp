@@ -35,9 +35,11 @@ static TimerClass FrameTimer;
 static volatile std::sig_atomic_t CloseRequest = 0;
 static std::vector<TooltipRecord> Tooltips;
 
-// The frame trace: a file named by TUMBLEKIN_FRAME_TRACE, one line per frame.
+// The frame trace: a file named by TUMBLEKIN_FRAME_TRACE, one line per frame:
+// when the frame wait ended, the busy time before it and the share of that
+// time noted as waiting (RVK_NoteWait), in microseconds.
 static FILE *FrameTrace = nullptr;
-static int64_t FrameReleased;
+static int64_t FrameReleased, FrameWaited;
 
 // ---- Palette ----
 
@@ -123,6 +125,7 @@ static void OpenFrameTrace() {
   const char *name = std::getenv("TUMBLEKIN_FRAME_TRACE");
   if (name != nullptr) FrameTrace = std::fopen(name, "a");
   FrameReleased = RVK_ClockMicroseconds();
+  FrameWaited = 0;
 }
 
 bool RVK_Init(int width, int height, int depth, bool windowed, int framesPerSecond) {
@@ -324,11 +327,15 @@ void RVK_WaitFrame() {
   int64_t entered = RVK_ClockMicroseconds();
   SpinOnFrameTimer();
   int64_t released = RVK_ClockMicroseconds();
-  std::fprintf(FrameTrace, "%lld %lld\n", (long long)released, (long long)(entered - FrameReleased));
+  std::fprintf(FrameTrace, "%lld %lld %lld\n", (long long)released, (long long)(entered - FrameReleased),
+               (long long)FrameWaited);
   // Flushed at once so that a reader sees the frames while the program runs.
   std::fflush(FrameTrace);
   FrameReleased = released;
+  FrameWaited = 0;
 }
+
+void RVK_NoteWait(int64_t microseconds) { FrameWaited += microseconds; }
 
 void RVK_SetFrameRate(int ticksPerSecond) {
   RVK_FrameRate = ticksPerSecond;

@@ -3,6 +3,7 @@
 #pragma once
 #include <allegro.h>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -76,6 +77,10 @@ void RVK_SetClearColour(int colour);
 void RVK_End2D(int pointerStyle);
 void RVK_EndFrame();
 void RVK_WaitFrame();
+// Time the loop spent in this frame waiting for something other than the
+// frame timer, a server's poll waiting for packets: the frame trace shows
+// it beside the busy time, which includes it.
+void RVK_NoteWait(int64_t microseconds);
 void RVK_SetFrameRate(int ticksPerSecond);
 void RVK_SetClipRect(int x, int y, int w, int h);
 void RVK_ClearClipRect();

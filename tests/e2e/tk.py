@@ -234,13 +234,20 @@ class Game:
         except subprocess.TimeoutExpired:
             return None
 
+    def traced_frames(self):
+        """Every frame traced so far (needs trace=True): a time stamp, the busy
+        time and the part of it spent waiting for packets, in microseconds. A
+        line still being written is left out; one from a program that traces
+        no waits counts none."""
+        with open(self.trace) as f:
+            fields = [line.split() for line in f if line.endswith("\n")]
+        return [tuple(int(v) for v in (f + ["0"])[:3]) for f in fields if len(f) in (2, 3)]
+
     def record_frames(self, seconds):
-        """The frames traced over the next `seconds`: pairs of a time stamp and a
-        busy time, both in microseconds (needs trace=True)."""
-        skip = len(open(self.trace).readlines())
+        """The frames traced over the next `seconds`, as traced_frames gives them."""
+        skip = len(self.traced_frames())
         time.sleep(seconds)
-        lines = open(self.trace).readlines()[skip:]
-        return [tuple(int(v) for v in line.split()) for line in lines if len(line.split()) == 2]
+        return self.traced_frames()[skip:]
 
     def output(self):
         self.log.flush()

@@ -163,4 +163,8 @@ TEST_F(ServerTest, FullServerWhatSendingRefusesAndAPollsBudget) {
             },
             3000);
   EXPECT_EQ(names, "-0123456789");
+  // With nothing left, a poll gives the time it waited in vain; one that
+  // may not wait gives none.
+  EXPECT_GE(NET_ServerPollWithin(SERVER_POLL_BUDGET_MS), 4000);
+  EXPECT_EQ(NET_ServerPollWithin(0), 0);
 }
